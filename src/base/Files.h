@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zuvo {
+
+/// The file's bytes; nothing if it cannot be opened or read, or is a folder.
+[[nodiscard]] std::optional<std::string> readFile(const std::string& path);
+
+/// The file's bytes if they are valid UTF-8, else nothing.
+[[nodiscard]] std::optional<std::string> readTextFile(const std::string& path);
+
+/// Replaces the file by one that holds exactly these bytes. A reader sees the old file or the new one, never a part:
+/// the bytes go to a new file beside it, which then takes its name. False, with the old file untouched and nothing left
+/// behind, if that fails.
+[[nodiscard]] bool replaceFileAtomically(const std::string& path, std::string_view bytes);
+
+} // namespace zuvo

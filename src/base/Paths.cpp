@@ -1,0 +1,22 @@
+#include "base/Paths.h"
+
+namespace zuvo {
+
+std::string lastPathComponent(std::string_view path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.remove_suffix(1);
+    const auto slash = path.rfind('/');
+    if (slash == std::string_view::npos || path.size() == 1)
+        return std::string(path);
+    return std::string(path.substr(slash + 1));
+}
+
+std::string pathExtension(std::string_view path) {
+    const auto name = lastPathComponent(path);
+    const auto point = name.rfind('.');
+    if (point == std::string::npos || point == 0 || point + 1 == name.size())
+        return {};
+    return name.substr(point + 1);
+}
+
+} // namespace zuvo

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zuvo {
+
+// Text is UTF-8 throughout. Functions that return views return views into their argument: the caller keeps it alive.
+// No function here fails on invalid UTF-8: a byte that starts no valid sequence counts as one character of its own.
+
+/// Number of user-perceived characters (grapheme clusters).
+[[nodiscard]] std::size_t characterCount(std::string_view text);
+
+/// The first `count` user-perceived characters, or the whole text if it has fewer.
+[[nodiscard]] std::string firstCharacters(std::string_view text, std::size_t count);
+
+/// True if every byte belongs to a well-formed UTF-8 sequence (no surrogates, nothing beyond U+10FFFF).
+[[nodiscard]] bool isValidUtf8(std::string_view bytes);
+
+/// The bytes as text, or nothing if they are not valid UTF-8.
+[[nodiscard]] std::optional<std::string> decodeUtf8(std::string bytes);
+
+/// Without U+0020 at both ends. Tabs and line ends stay.
+[[nodiscard]] std::string trimBlanks(std::string_view text);
+
+/// Without U+0020 and U+0009 at both ends.
+[[nodiscard]] std::string trimBlanksAndTabs(std::string_view text);
+
+/// Without Unicode White_Space (line ends included) at both ends.
+[[nodiscard]] std::string trimWhiteSpace(std::string_view text);
+
+/// The pieces between separators, empty ones included: "" gives one empty piece, "a," gives two.
+[[nodiscard]] std::vector<std::string_view> split(std::string_view text, char separator);
+
+/// The non-empty pieces between U+0020. Tabs and line ends do not separate.
+[[nodiscard]] std::vector<std::string_view> splitAtBlanks(std::string_view text);
+
+/// The pieces with `separator` between them.
+[[nodiscard]] std::string join(const std::vector<std::string>& pieces, std::string_view separator);
+
+/// Every occurrence of `what` replaced, from the left, without looking at replaced text again. An empty `what`
+/// changes nothing.
+[[nodiscard]] std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
+
+/// "" for exactly one, else "s".
+[[nodiscard]] std::string_view pluralS(std::size_t count);
+
+} // namespace zuvo

@@ -1,0 +1,91 @@
+#include "platform/Environment.h"
+
+#include "platform/FileSystem.h"
+
+#include <QDir>
+#include <QString>
+#include <array>
+#include <cstdlib>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zuvo {
+
+namespace {
+
+std::optional<std::string> processVariable(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
+    if (value == nullptr)
+        return std::nullopt;
+    return std::string(value);
+}
+
+std::string withoutTrailingSlashes(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
+/// Home folder of the current user id by the user database; empty if it has no entry.
+std::string homeOfUserDatabase() {
+    constexpr std::size_t entryBytes = 16384;
+    std::vector<char> buffer(entryBytes);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
+        return {};
+    return found->pw_dir == nullptr ? std::string() : withoutTrailingSlashes(found->pw_dir);
+}
+
+/// Whether `folder` is a real folder of this user's that nobody else may enter; its mode is narrowed if need be.
+bool isPrivateFolder(const std::string& folder) {
+    struct stat status {};
+    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid())
+        return false;
+    constexpr mode_t everybodyElse = S_IRWXG | S_IRWXO;
+    return (status.st_mode & everybodyElse) == 0 || chmod(folder.c_str(), S_IRWXU) == 0;
+}
+
+} // namespace
+
+std::string fixedToolPath(const std::string& name) {
+    const std::string homebrew = "/opt/homebrew/bin/" + name;
+#ifdef Q_OS_MACOS
+    return homebrew;
+#else
+    return fileExists(homebrew) ? homebrew : "/usr/bin/" + name;
+#endif
+}
+
+Environment Environment::ofThisMachine() {
+    Environment environment;
+    environment.variable = processVariable;
+    const auto databaseHome = homeOfUserDatabase();
+    const auto homeVariable = processVariable("HOME").value_or("");
+    environment.home = homeVariable.empty() ? databaseHome : withoutTrailingSlashes(homeVariable);
+    environment.realHomeDir = databaseHome.empty() ? environment.home : databaseHome;
+    environment.systemTemporaryFolder = QDir::tempPath().toStdString();
+    environment.tools = {fixedToolPath("ffmpeg"), fixedToolPath("ffprobe"), fixedToolPath("python3")};
+    return environment;
+}
+
+std::optional<std::string> Environment::temporaryFolder() const {
+#ifdef Q_OS_MACOS
+    return systemTemporaryFolder + "/";
+#else
+    const auto folder = systemTemporaryFolder + "/zuvo-" + std::to_string(geteuid());
+    if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        return std::nullopt;
+    if (!isPrivateFolder(folder))
+        return std::nullopt;
+    return folder + "/";
+#endif
+}
+
+std::string Environment::cacheFolder() const {
+    return home + "/Library/Caches/ZuvoManager";
+}
+
+} // namespace zuvo

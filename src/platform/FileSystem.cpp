@@ -1,0 +1,103 @@
+#include "platform/FileSystem.h"
+
+#include <algorithm>
+#include <bit>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+
+namespace zuvo {
+
+namespace fs = std::filesystem;
+
+bool fileExists(const std::string& path) {
+    std::error_code error;
+    return fs::exists(path, error);
+}
+
+bool createFolders(const std::string& path) {
+    std::error_code error;
+    fs::create_directories(path, error);
+    return fs::is_directory(path, error);
+}
+
+std::optional<std::vector<std::string>> listFolder(const std::string& path) {
+    std::error_code error;
+    fs::directory_iterator entries(path, error);
+    if (error)
+        return std::nullopt;
+    std::vector<std::string> names;
+    for (; entries != fs::directory_iterator(); entries.increment(error)) {
+        if (error)
+            return std::nullopt;
+        names.push_back(entries->path().filename().string());
+    }
+    return names;
+}
+
+bool removeTree(const std::string& path) {
+    std::error_code error;
+    fs::remove_all(path, error);
+    return !error;
+}
+
+bool copyFile(const std::string& from, const std::string& to) {
+    std::error_code error;
+    return fs::copy_file(from, to, error) && !error;
+}
+
+std::optional<std::uint64_t> fileSize(const std::string& path) {
+    std::error_code error;
+    const auto size = fs::file_size(path, error);
+    if (error)
+        return std::nullopt;
+    return size;
+}
+
+std::optional<double> modificationTime(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    constexpr double nanosecond = 1e-9;
+#ifdef __APPLE__
+    const auto changed = status.st_mtimespec;
+#else
+    const auto changed = status.st_mtim;
+#endif
+    return static_cast<double>(changed.tv_sec) + static_cast<double>(changed.tv_nsec) * nanosecond;
+}
+
+std::optional<std::vector<std::int16_t>> readSamples(const std::string& path) {
+    const auto size = fileSize(path);
+    std::ifstream file(path, std::ios::binary);
+    if (!size || !file)
+        return std::nullopt;
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(*size / sizeof(std::int16_t)));
+    const auto bytes = static_cast<std::streamsize>(samples.size() * sizeof(std::int16_t));
+    file.read(reinterpret_cast<char*>(samples.data()), bytes);
+    if (file.gcount() != bytes)
+        return std::nullopt;
+    if constexpr (std::endian::native == std::endian::big) {
+        constexpr unsigned byteBits = 8;
+        std::transform(samples.begin(), samples.end(), samples.begin(), [](std::int16_t sample) {
+            const auto bits = static_cast<std::uint16_t>(sample);
+            return static_cast<std::int16_t>((bits << byteBits) | (bits >> byteBits));
+        });
+    }
+    return samples;
+}
+
+std::string absolutePath(const std::string& path) {
+    std::error_code error;
+    const auto absolute = fs::absolute(path, error);
+    return error ? path : absolute.lexically_normal().string();
+}
+
+std::optional<std::string> folderWithin(const std::string& root, const std::string& name) {
+    const auto relative = fs::path("./" + name).lexically_normal();
+    if (!relative.empty() && *relative.begin() == "..")
+        return std::nullopt;
+    return root + "/" + name;
+}
+
+} // namespace zuvo

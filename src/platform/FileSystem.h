@@ -1,0 +1,45 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zuvo {
+
+// Files and folders by UTF-8 path. Nothing here throws; failures come back as nothing or false.
+
+[[nodiscard]] bool fileExists(const std::string& path);
+
+/// Makes the folder with all folders above it. True if it is there afterwards.
+bool createFolders(const std::string& path);
+
+/// The names in a folder, in the order in which the system lists them; nothing if it cannot be listed.
+[[nodiscard]] std::optional<std::vector<std::string>> listFolder(const std::string& path);
+
+/// Removes a file, or a folder with everything in it. A link is removed, not what it points to. True if nothing is left
+/// there.
+bool removeTree(const std::string& path);
+
+/// Copies a file; false if that fails or the target is there already.
+bool copyFile(const std::string& from, const std::string& to);
+
+/// Bytes; nothing if there is no such file.
+[[nodiscard]] std::optional<std::uint64_t> fileSize(const std::string& path);
+
+/// Time of the last change, in seconds since 1970.
+[[nodiscard]] std::optional<double> modificationTime(const std::string& path);
+
+/// A file of little-endian signed 16-bit samples, read straight into its place; an odd last byte is dropped. Nothing if
+/// it cannot be read.
+[[nodiscard]] std::optional<std::vector<std::int16_t>> readSamples(const std::string& path);
+
+/// `path` made absolute against the working folder, with "." and ".." worked out where that needs no look at links.
+[[nodiscard]] std::string absolutePath(const std::string& path);
+
+/// The folder `root`/`name` if it lies at or below `root` once "." and ".." are worked out; nothing if ".." leads out
+/// of it. A "/" in the name makes a sub-folder.
+[[nodiscard]] std::optional<std::string> folderWithin(const std::string& root, const std::string& name);
+
+} // namespace zuvo

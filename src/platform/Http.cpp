@@ -1,0 +1,142 @@
+#include "platform/Http.h"
+
+#include <QCoroFuture>
+#include <QIODevice>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QPromise>
+#include <QUrl>
+#include <algorithm>
+#include <cstring>
+
+namespace zuvo {
+
+namespace {
+
+/// A body that can be read once and never wound back. The network access repeats a POST by itself when its connection
+/// closes unanswered, but only if it can read the body again.
+class OneWayBody final : public QIODevice {
+public:
+    explicit OneWayBody(std::string body) : m_body(std::move(body)) { open(QIODevice::ReadOnly); }
+
+    [[nodiscard]] bool isSequential() const override { return true; }
+    [[nodiscard]] qint64 bytesAvailable() const override { return left() + QIODevice::bytesAvailable(); }
+    bool reset() override { return false; }
+
+protected:
+    qint64 readData(char* data, qint64 most) override {
+        if (left() == 0)
+            return -1;
+        const auto count = std::min(most, left());
+        std::memcpy(data, m_body.data() + m_position, static_cast<std::size_t>(count));
+        m_position += count;
+        return count;
+    }
+
+    qint64 writeData(const char* /*data*/, qint64 /*count*/) override { return -1; }
+
+private:
+    [[nodiscard]] qint64 left() const { return static_cast<qint64>(m_body.size()) - m_position; }
+
+    std::string m_body;
+    qint64 m_position = 0;
+};
+
+bool holdsControlCharacter(const std::string& text) {
+    return std::any_of(text.begin(), text.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < 0x20 || byte == 0x7F;
+    });
+}
+
+/// A line end in a header value (a key from a file, say) would start a header of its own.
+std::string refusalOf(const HttpRequest& request) {
+    for (const auto& [name, value] : request.headers) {
+        if (holdsControlCharacter(value))
+            return "The value of the header " + name + " holds a line end or another control character";
+    }
+    return {};
+}
+
+QNetworkRequest networkRequest(const HttpRequest& request) {
+    QNetworkRequest prepared{QUrl(QString::fromStdString(request.url), QUrl::StrictMode)};
+    for (const auto& [name, value] : request.headers)
+        prepared.setRawHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+    prepared.setHeader(QNetworkRequest::ContentLengthHeader, static_cast<qint64>(request.body.size()));
+    prepared.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    prepared.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    prepared.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    prepared.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    prepared.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    // One request on one connection, so that a connection that ends takes exactly one request with it.
+    prepared.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    prepared.setAttribute(QNetworkRequest::HttpPipeliningAllowedAttribute, false);
+    prepared.setTransferTimeout(static_cast<int>(request.timeout.count()));
+    return prepared;
+}
+
+std::string failureText(const QNetworkReply& reply, bool tooLong) {
+    if (tooLong)
+        return "The answer is too long";
+    // Nobody aborts a request but the transfer time-out.
+    if (reply.error() == QNetworkReply::OperationCanceledError)
+        return "The request timed out";
+    // What the network access says when it would have had to send the body a second time.
+    if (reply.error() == QNetworkReply::ContentReSendError)
+        return "Connection closed";
+    const auto words = reply.errorString().toStdString();
+    return words.empty() ? "Network error " + std::to_string(reply.error()) : words;
+}
+
+/// Whether what came is a whole HTTP answer, of whatever status, and not one broken off.
+bool isWholeAnswer(const QNetworkReply& reply) {
+    if (!reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
+        return false;
+    const auto error = static_cast<int>(reply.error());
+    constexpr int firstStatusError = QNetworkReply::ContentAccessDenied;
+    return error == QNetworkReply::NoError || error >= firstStatusError ||
+           reply.error() == QNetworkReply::ProxyAuthenticationRequiredError;
+}
+
+struct ReplyDeleter {
+    void operator()(QNetworkReply* reply) const { reply->deleteLater(); }
+};
+
+} // namespace
+
+NetworkHttpClient::NetworkHttpClient(std::unique_ptr<QNetworkAccessManager> manager) : m_manager(std::move(manager)) {}
+
+NetworkHttpClient::~NetworkHttpClient() = default;
+
+QCoro::Task<HttpAnswer> NetworkHttpClient::post(HttpRequest request) {
+    HttpAnswer answer;
+    answer.failure = refusalOf(request);
+    if (answer.hasFailed())
+        co_return answer;
+
+    const auto prepared = networkRequest(request);
+    OneWayBody body(std::move(request.body));
+    const std::unique_ptr<QNetworkReply, ReplyDeleter> reply(m_manager->post(prepared, &body));
+    bool tooLong = false;
+    QPromise<void> ended;
+    ended.start();
+    QObject::connect(reply.get(), &QNetworkReply::finished, reply.get(), [&ended] { ended.finish(); });
+    QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(),
+                     [&tooLong, received = reply.get()](qint64 bytes, qint64 /*total*/) {
+                         if (bytes > httpAnswerLimit && !tooLong) {
+                             tooLong = true;
+                             received->abort();
+                         }
+                     });
+    co_await ended.future();
+
+    if (tooLong || !isWholeAnswer(*reply)) {
+        answer.failure = failureText(*reply, tooLong);
+        co_return answer;
+    }
+    answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    answer.body = reply->readAll().toStdString();
+    co_return answer;
+}
+
+} // namespace zuvo

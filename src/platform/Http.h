@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zuvo {
+
+/// One POST to a service.
+struct HttpRequest {
+    std::string url;
+    std::vector<std::pair<std::string, std::string>> headers;
+    std::string body;
+
+    /// The request fails once nothing has come or gone for that long.
+    std::chrono::milliseconds timeout{0};
+};
+
+/// A longer answer is a failure of the request.
+inline constexpr qint64 httpAnswerLimit = 64LL * 1024 * 1024;
+
+/// Either an HTTP answer of any status, or a failure in words.
+struct HttpAnswer {
+    int status = 0;
+    std::string body;
+    std::string failure; ///< why there is no answer; never empty if there is none
+
+    [[nodiscard]] bool hasFailed() const { return !failure.empty(); }
+    [[nodiscard]] bool isSuccess() const { return !hasFailed() && status >= 200 && status <= 299; }
+};
+
+/// Sends each request exactly once: nothing is repeated when a connection closes, and a redirect is an answer like any
+/// other, so that no key travels further than it was sent. No cookies are kept.
+class HttpClient : public QObject {
+    Q_OBJECT
+public:
+    /// Never fails as a coroutine: a failure is an answer.
+    virtual QCoro::Task<HttpAnswer> post(HttpRequest request) = 0;
+};
+
+/// The platform's network access.
+class NetworkHttpClient final : public HttpClient {
+    Q_OBJECT
+public:
+    /// Takes over the manager.
+    explicit NetworkHttpClient(std::unique_ptr<QNetworkAccessManager> manager);
+    ~NetworkHttpClient() override;
+
+    QCoro::Task<HttpAnswer> post(HttpRequest request) override;
+
+private:
+    std::unique_ptr<QNetworkAccessManager> m_manager;
+};
+
+} // namespace zuvo

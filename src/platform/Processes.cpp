@@ -1,0 +1,98 @@
+#include "platform/Processes.h"
+
+#include <QCoroFuture>
+#include <QProcessEnvironment>
+#include <QPromise>
+#include <QString>
+#include <QStringList>
+#include <algorithm>
+#include <csignal>
+#include <memory>
+#include <unistd.h>
+
+namespace zuvo {
+
+namespace {
+
+void configure(QProcess& process, const ProcessRequest& request) {
+    process.setProgram(QString::fromStdString(request.program));
+    QStringList arguments;
+    for (const auto& argument : request.arguments)
+        arguments.append(QString::fromStdString(argument));
+    process.setArguments(arguments);
+
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : request.variables)
+        environment.insert(QString::fromStdString(name), QString::fromStdString(value));
+    process.setProcessEnvironment(environment);
+
+    process.setStandardInputFile(QProcess::nullDevice());
+    if (!request.keepsOutput)
+        process.setStandardOutputFile(QProcess::nullDevice());
+    if (!request.errorFile.empty())
+        process.setStandardErrorFile(QString::fromStdString(request.errorFile));
+    else if (!request.keepsError)
+        process.setStandardErrorFile(QProcess::nullDevice());
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+}
+
+/// Appends what came, up to the limit; the rest is read and dropped, so that the child never waits for us.
+void keep(std::string& text, const QByteArray& bytes) {
+    const auto room = keptOutputLimit - std::min(keptOutputLimit, text.size());
+    text.append(bytes.constData(), std::min(room, static_cast<std::size_t>(bytes.size())));
+}
+
+void endGroup(const QProcess& process) {
+    const auto id = process.processId();
+    if (id > 0)
+        ::kill(-static_cast<pid_t>(id), SIGKILL);
+}
+
+} // namespace
+
+ChildProcessRunner::~ChildProcessRunner() {
+    endChildren();
+}
+
+QCoro::Task<ProcessOutcome> ChildProcessRunner::run(ProcessRequest request) {
+    // Owned by this frame, so that it outlives the await whatever becomes of the runner.
+    const auto process = std::make_unique<QProcess>();
+    ProcessOutcome outcome;
+    QPromise<void> ended;
+    ended.start();
+    const auto end = [&ended] {
+        if (!ended.future().isFinished())
+            ended.finish();
+    };
+    auto* child = process.get();
+    QObject::connect(child, &QProcess::readyReadStandardOutput, child,
+                     [&outcome, child] { keep(outcome.standardOutput, child->readAllStandardOutput()); });
+    QObject::connect(child, &QProcess::readyReadStandardError, child,
+                     [&outcome, child] { keep(outcome.standardError, child->readAllStandardError()); });
+    QObject::connect(child, &QProcess::finished, child, end);
+    // A child that cannot be started ends without `finished`.
+    QObject::connect(child, &QProcess::errorOccurred, child, [&outcome, child, end](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            outcome.launchFailure = child->errorString().toStdString();
+            end();
+        }
+    });
+    configure(*child, request);
+    std::erase_if(m_children, [](const QPointer<QProcess>& known) { return known.isNull(); });
+    m_children.emplace_back(child);
+    child->start(QIODevice::ReadOnly);
+    co_await ended.future();
+
+    outcome.launched = outcome.launchFailure.empty();
+    outcome.succeeded = outcome.launched && child->exitStatus() == QProcess::NormalExit && child->exitCode() == 0;
+    co_return outcome;
+}
+
+void ChildProcessRunner::endChildren() {
+    for (const auto& child : m_children) {
+        if (!child.isNull() && child->state() != QProcess::NotRunning)
+            endGroup(*child);
+    }
+}
+
+} // namespace zuvo

@@ -1,0 +1,90 @@
+#include "platform/ServiceAddresses.h"
+
+#include "base/Text.h"
+
+#include <QHostAddress>
+#include <QString>
+#include <QUrl>
+#include <array>
+
+namespace zuvo {
+
+namespace {
+
+constexpr const char* transcriptionVariable = "OPENAI_BASE_URL";
+constexpr const char* transcriptionDefault = "https://api.openai.com/v1";
+constexpr const char* messagesVariable = "ANTHROPIC_BASE_URL";
+constexpr const char* messagesDefault = "https://api.anthropic.com";
+
+std::string withoutTrailingSlashes(std::string address) {
+    while (address.ends_with('/'))
+        address.pop_back();
+    return address;
+}
+
+std::string baseAddress(const Environment& environment, const char* variable, const char* standard) {
+    const auto set = trimWhiteSpace(environment.variable(variable).value_or(""));
+    return withoutTrailingSlashes(set.empty() ? standard : set);
+}
+
+bool isPrivateAddress(const QHostAddress& address) {
+    using Subnet = std::pair<QHostAddress, int>;
+    static const std::array<Subnet, 6> privateNetworks = {
+        QHostAddress::parseSubnet(QStringLiteral("10.0.0.0/8")),
+        QHostAddress::parseSubnet(QStringLiteral("172.16.0.0/12")),
+        QHostAddress::parseSubnet(QStringLiteral("192.168.0.0/16")),
+        QHostAddress::parseSubnet(QStringLiteral("169.254.0.0/16")),
+        QHostAddress::parseSubnet(QStringLiteral("fc00::/7")),
+        QHostAddress::parseSubnet(QStringLiteral("fe80::/10")),
+    };
+    if (address.isNull())
+        return false;
+    if (address.isLoopback())
+        return true;
+    for (const auto& network : privateNetworks) {
+        if (address.protocol() == network.first.protocol() && address.isInSubnet(network))
+            return true;
+    }
+    return false;
+}
+
+bool isNearHost(const QString& host) {
+    return host == QLatin1String("localhost") || isPrivateAddress(QHostAddress(host));
+}
+
+ServiceAddress serviceAddress(const std::string& base, const char* variable, const char* path) {
+    auto refusal = refusalOfBaseAddress(base, variable);
+    if (!refusal.empty())
+        return {{}, std::move(refusal)};
+    return {base + path, {}};
+}
+
+} // namespace
+
+std::string refusalOfBaseAddress(const std::string& base, const std::string& variable) {
+    const QUrl url(QString::fromStdString(base), QUrl::StrictMode);
+    if (!url.isValid() || url.host().isEmpty())
+        return variable + " is no web address: " + base;
+    if (!url.userInfo().isEmpty() || url.hasQuery() || url.hasFragment())
+        return variable + " must be scheme, host, port and path alone";
+    if (url.scheme() == QLatin1String("https"))
+        return {};
+    if (url.scheme() == QLatin1String("http") && isNearHost(url.host()))
+        return {};
+    return variable + " must be https, or http to this machine or a private network: " + base;
+}
+
+ServiceAddress transcriptionAddress(const Environment& environment) {
+    const auto base = baseAddress(environment, transcriptionVariable, transcriptionDefault);
+    return serviceAddress(base, transcriptionVariable, "/audio/transcriptions");
+}
+
+ServiceAddress messagesAddress(const Environment& environment) {
+    auto base = baseAddress(environment, messagesVariable, messagesDefault);
+    constexpr std::string_view version = "/v1";
+    if (base.ends_with(version))
+        base.resize(base.size() - version.size());
+    return serviceAddress(withoutTrailingSlashes(base), messagesVariable, "/v1/messages");
+}
+
+} // namespace zuvo

@@ -92,10 +92,19 @@ std::string failureText(const QNetworkReply& reply, bool tooLong) {
 bool isWholeAnswer(const QNetworkReply& reply) {
     if (!reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
         return false;
-    const auto error = static_cast<int>(reply.error());
-    constexpr int firstStatusError = QNetworkReply::ContentAccessDenied;
-    return error == QNetworkReply::NoError || error >= firstStatusError ||
-           reply.error() == QNetworkReply::ProxyAuthenticationRequiredError;
+    switch (reply.error()) {
+    case QNetworkReply::NoError:
+    case QNetworkReply::ProxyAuthenticationRequiredError:
+    case QNetworkReply::ProtocolInvalidOperationError: // 400
+        return true;
+    case QNetworkReply::ContentReSendError:
+    case QNetworkReply::ProtocolUnknownError:
+    case QNetworkReply::ProtocolFailure:
+        return false;
+    default:
+        // From here on the errors stand for statuses; below it for what went wrong on the way.
+        return reply.error() >= QNetworkReply::ContentAccessDenied;
+    }
 }
 
 struct ReplyDeleter {

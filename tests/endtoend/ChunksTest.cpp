@@ -17,7 +17,7 @@ protected:
     /// Every chunk has the same three lines, told apart by where they come to lie.
     [[nodiscard]] std::vector<double> lineStarts() const {
         std::vector<double> starts;
-        for (const auto& line : jsonOf(world.exports("long", "project.json")).at("transcript"))
+        for (const auto& json = jsonOf(world.exports("long", "project.json")); const auto& line : json.at("transcript"))
             starts.push_back(line.at("start"));
         return starts;
     }

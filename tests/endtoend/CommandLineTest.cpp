@@ -199,13 +199,13 @@ TEST_F(CommandLineTest, aBaseAddressInTheClearIsRefusedBeforeAnyRequest) {
     const auto file = givenFootage("talk.wav");
     for (const std::string variable : {"OPENAI_BASE_URL", "ANTHROPIC_BASE_URL"}) {
         World other;
-        other.set(variable, "http://203.0.113.7/v1");
+        other.set(variable, "http://203.0.113.7");
         const auto refused = other.zuvo({"mine", file});
         EXPECT_EQ(refused.status, 1);
         EXPECT_EQ(refused.output, "");
         EXPECT_EQ(refused.errors, "zuvo: " + variable +
                                       " must be https, or http to this machine or a private network: "
-                                      "http://203.0.113.7/v1\n");
+                                      "http://203.0.113.7\n");
         EXPECT_TRUE(other.services.requests().empty());
         EXPECT_TRUE(namesIn(other.home()).empty());
     }

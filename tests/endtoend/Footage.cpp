@@ -53,7 +53,7 @@ void makeFootage(const std::string& path, double seconds, const std::vector<std:
 void makeLongFootage(const std::string& path, double seconds) {
     const test::TemporaryFolder folder;
     makeFootage(folder / "period.wav");
-    ffmpeg({"-stream_loop", "-1", "-i", folder / "period.wav", "-c", "copy", "-t", fmt::format("{}", seconds), path});
+    ffmpeg({"-stream_loop", "-1", "-i", folder / "period.wav", "-t", fmt::format("{}", seconds), path});
 }
 
 double measured(const std::string& path) {

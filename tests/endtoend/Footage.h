@@ -29,7 +29,7 @@ void ffmpeg(const std::vector<std::string>& arguments);
 /// Writes `climbingSound` to a file, with further output options such as a codec or a tag.
 void makeFootage(const std::string& path, double seconds = 12.0, const std::vector<std::string>& options = {});
 
-/// The same sound for a file of minutes, copied end to end in place of being made anew.
+/// The same sound for a file of minutes: one period repeated, which is cheaper than making it anew.
 void makeLongFootage(const std::string& path, double seconds);
 
 /// Seconds of a file as ffprobe measures them.

@@ -78,13 +78,13 @@ TEST_F(FootageTest, everyOccurrenceOfTheExtensionIsRemovedFromTheName) {
     thenMinedAs("a", {file});
 }
 
-TEST_F(FootageTest, aHiddenFileKeepsItsWholeName) {
+TEST_F(FootageTest, aHiddenFileHasNoExtensionSoItsDotAloneIsRemovedFromTheName) {
     givenTranscript();
     givenStory();
     const auto file = world.media(".wav");
     makeFootage(file, 12.0, {"-f", "wav"});
     mine({file});
-    thenMinedAs(".wav", {file});
+    thenMinedAs("wav", {file});
 }
 
 TEST_F(FootageTest, aNameWithControlCharactersIsShownWithoutThem) {
@@ -138,8 +138,8 @@ TEST_F(FootageTest, aMissingFileIsTheRunsFailureAndNotWrongUsage) {
     thenLogHas({"Using 1 dropped file...", "  → gone.wav"});
 }
 
-TEST_F(FootageTest, aMissingFileAmongTwoCostsNothing) {
-    mine({givenFootage("talk.wav"), world.media("gone.wav")});
+TEST_F(FootageTest, aMissingFileBeforeAnotherCostsNothing) {
+    mine({world.media("gone.wav"), givenFootage("talk.wav")});
     thenExtractionFailed();
 }
 

@@ -153,7 +153,7 @@ TEST_F(InterruptTest, theSecondInterruptEndsARunThatWaitsForAService) {
     run->press(SIGINT);
     ending = run->end(10s);
     thenItEndsWith(130);
-    EXPECT_EQ(childOf(run->processId()), 0);
+    EXPECT_FALSE(exists(world.exports("")));
 }
 
 TEST_F(InterruptTest, anInterruptedMineCanBeStartedAgain) {

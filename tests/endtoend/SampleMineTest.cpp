@@ -48,7 +48,7 @@ std::string bare(std::string word) {
 std::vector<SpokenLine> spokenLines() {
     std::vector<SpokenLine> lines;
     double offset = 0.0;
-    for (const auto& file : jsonOf(sampleFolder() + "/transcript.json").at("files")) {
+    for (const auto& json = jsonOf(sampleFolder() + "/transcript.json"); const auto& file : json.at("files")) {
         for (const auto& line : file.at("lines")) {
             SpokenLine spoken{
                 offset + line.at("start").get<double>(), offset + line.at("end").get<double>(), line.at("text"), {}};
@@ -305,7 +305,7 @@ TEST_F(SampleMineTest, aPlayerCanReadTheSubtitles) {
     }
     std::vector<std::string> told;
     double length = 0.0;
-    for (const auto& segment : jsonOf(world->cache("segments.json"))) {
+    for (const auto& json = jsonOf(world->cache("segments.json")); const auto& segment : json) {
         told.push_back(segment.at("translation"));
         length += segment.at("endTime").get<double>() - segment.at("startTime").get<double>();
     }
@@ -315,7 +315,7 @@ TEST_F(SampleMineTest, aPlayerCanReadTheSubtitles) {
 
 TEST_F(SampleMineTest, theTranscriptFileHasEveryLineAtItsMineTime) {
     std::string expected = "# Full Transcript\n\n";
-    for (const auto& segment : cachedTranscript().at("segments")) {
+    for (const auto& json = cachedTranscript(); const auto& segment : json.at("segments")) {
         const auto seconds = static_cast<int>(segment.at("start").get<double>());
         expected += fmt::format("[{}:{:02}] {}\n", seconds / 60, seconds % 60, segment.at("text").get<std::string>());
     }
@@ -446,7 +446,7 @@ TEST_F(SampleMineTest, theLogTellsTheLengthOfTheAnnotatedTranscript) {
 
 TEST_F(SampleMineTest, theLogCountsTheWordsOfAllMoments) {
     std::size_t words = 0;
-    for (const auto& entry : jsonOf(world->cache("word_timestamps.json")))
+    for (const auto& json = jsonOf(world->cache("word_timestamps.json")); const auto& entry : json)
         words += entry.at("words").size();
     EXPECT_THAT(ending->output, HasSubstr("✓ " + std::to_string(words) + " words transcribed across 4 segments"));
 }

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 class ChunksTest : public MineTest {
 protected:
     std::string givenLongFootage(const std::string& name, double seconds) {
-        makeLongFootage(world.media(name), seconds);
+        makeFootage(world.media(name), seconds);
         return world.media(name);
     }
 

@@ -33,27 +33,31 @@ void ffmpeg(const std::vector<std::string>& arguments) {
     runTool("ffmpeg", all);
 }
 
-std::vector<std::string> climbingSound(double seconds) {
-    return {"-f", "lavfi", "-i",
-            fmt::format("aevalsrc='sin(2*PI*300*t)*if(lt(mod(t,12),2),0.005,if(lt(mod(t,12),4),0.25,0.5))':s=8000:d={}",
-                        seconds)};
+namespace {
+
+/// One period of the climbing sound, made once in a process: the generator costs more than a copy.
+const std::string& onePeriod() {
+    static const test::TemporaryFolder folder;
+    static const std::string path = [] {
+        auto made = folder / "period.wav";
+        ffmpeg({"-f", "lavfi", "-i", "aevalsrc='sin(2*PI*300*t)*if(lt(t,2),0.005,if(lt(t,4),0.25,0.5))':s=8000:d=12",
+                made});
+        return made;
+    }();
+    return path;
 }
+
+} // namespace
 
 std::vector<Line> climbingLines() {
     return {{0.0, 2.0, "Quiet."}, {2.0, 4.0, "Nearer."}, {4.0, 12.0, "Here I am, close and clear."}};
 }
 
 void makeFootage(const std::string& path, double seconds, const std::vector<std::string>& options) {
-    auto arguments = climbingSound(seconds);
+    std::vector<std::string> arguments = {"-stream_loop", "-1", "-i", onePeriod(), "-t", fmt::format("{}", seconds)};
     arguments.insert(arguments.end(), options.begin(), options.end());
     arguments.push_back(path);
     ffmpeg(arguments);
-}
-
-void makeLongFootage(const std::string& path, double seconds) {
-    const test::TemporaryFolder folder;
-    makeFootage(folder / "period.wav");
-    ffmpeg({"-stream_loop", "-1", "-i", folder / "period.wav", "-t", fmt::format("{}", seconds), path});
 }
 
 double measured(const std::string& path) {

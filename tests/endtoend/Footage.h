@@ -15,22 +15,17 @@ struct Line {
 /// Runs the machine's ffmpeg with "-y -v error"; a failure fails the test.
 void ffmpeg(const std::vector<std::string>& arguments);
 
-/// ffmpeg input of a sound whose level climbs in steps and starts again every 12 s, so that a mine can tell its parts:
+/// Makes a file of a sound whose level climbs in steps and starts again every 12 s, so that a mine can tell its parts:
 ///
 ///     level   -49 dB |  -15 dB |              -9 dB               |
 ///     seconds 0      2         4                                  12
 ///
-/// 300 Hz, one channel, 8000 Hz: as cheap as sound can be.
-[[nodiscard]] std::vector<std::string> climbingSound(double seconds);
-
-/// Lines on the three steps of `climbingSound`: the quiet one, the medium one and the loud one.
-[[nodiscard]] std::vector<Line> climbingLines();
-
-/// Writes `climbingSound` to a file, with further output options such as a codec or a tag.
+/// 300 Hz, one channel, 8000 Hz: as cheap as sound can be. `options` are further output options of ffmpeg, such as a
+/// codec or a tag.
 void makeFootage(const std::string& path, double seconds = 12.0, const std::vector<std::string>& options = {});
 
-/// The same sound for a file of minutes: one period repeated, which is cheaper than making it anew.
-void makeLongFootage(const std::string& path, double seconds);
+/// Lines on the three steps of that sound: the quiet one, the medium one and the loud one.
+[[nodiscard]] std::vector<Line> climbingLines();
 
 /// Seconds of a file as ffprobe measures them.
 [[nodiscard]] double measured(const std::string& path);

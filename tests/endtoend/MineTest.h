@@ -15,7 +15,7 @@ protected:
     World world;
     Ending ending;
 
-    /// Twelve seconds of `climbingSound`; gives its path.
+    /// Twelve seconds of the climbing sound; gives its path.
     std::string givenFootage(const std::string& name, const std::vector<std::string>& options = {}) {
         makeFootage(world.media(name), 12.0, options);
         return world.media(name);

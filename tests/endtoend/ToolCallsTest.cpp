@@ -55,7 +55,7 @@ protected:
              {"-y", "-i", from, "-ss", start, "-t", length, "-ac", "1", "-ar", "16000", "-acodec", "pcm_s16le", to});
     }
 
-    /// What `temporaryFolder` gives: read off the first raw file, checked by its form.
+    /// A file in the folder that keeps this user's temporary files apart from others'.
     [[nodiscard]] std::string temporary(const std::string& name) const {
         return world.temporary() + "/zuvo-" + std::to_string(geteuid()) + "/" + name;
     }
@@ -97,7 +97,7 @@ TEST_F(ToolCallsTest, aMineOfTwoFilesCallsTheseToolsInThisOrder) {
 
 TEST_F(ToolCallsTest, aMineOfOneLongFileCutsItIntoChunksBehindTheInput) {
     const auto file = world.media("long.wav");
-    makeLongFootage(file, 301.0);
+    makeFootage(file, 301.0);
     givenTranscript();
     givenStory();
     inProcess.mine({file});

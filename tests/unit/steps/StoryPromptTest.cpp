@@ -1,6 +1,6 @@
 #include "steps/StoryPrompt.h"
 
-#include "GoldenFile.h"
+#include "support/GoldenFile.h"
 
 #include <limits>
 

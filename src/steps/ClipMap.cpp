@@ -27,7 +27,7 @@ std::optional<ProbedSource> probedSource(const Json& probeCache, const std::stri
     if (entry == probeCache.end())
         return std::nullopt;
     const auto duration = readNumber(*entry, "duration");
-    if (!duration || !(*duration > longestIgnoredSource))
+    if (!duration)
         return std::nullopt;
     const double start = readNumber(*entry, "startTimecodeSeconds").value_or(0.0);
     return ProbedSource{std::move(name), start, *duration};

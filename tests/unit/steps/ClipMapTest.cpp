@@ -64,6 +64,19 @@ TEST(ClipMap, equalStartTimecodesKeepTheOrderGiven) {
               {{"c.wav", 0.0, 13.0}, {"a.wav", 13.0, 24.0}, {"b.wav", 24.0, 36.0}});
 }
 
+TEST(ClipMap, manyEqualStartTimecodesKeepTheOrderGiven) {
+    auto cache = Json::object();
+    std::vector<std::string> paths;
+    std::vector<ClipMapEntry> expected;
+    for (int i = 0; i < 100; ++i) {
+        const auto name = std::to_string(i * 37 % 100) + ".wav";
+        cache[name] = {{"duration", 20.0}, {"startTimecodeSeconds", 3600.0}};
+        paths.push_back("/f/" + name);
+        expected.push_back({name, 20.0 * i, 20.0 * (i + 1)});
+    }
+    expectMap(clipMapFromProbeCache(cache, paths), expected);
+}
+
 TEST(ClipMap, entriesWithoutAUsableDurationAreLeftOut) {
     const auto cache = parsed(R"({"a.wav":{},"b.wav":{"duration":null},"c.wav":{"duration":"30"},
         "d.wav":{"duration":true},"e.wav":{"duration":-30},"f.wav":{"duration":30}})");

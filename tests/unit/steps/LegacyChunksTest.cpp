@@ -6,7 +6,8 @@ namespace zuvo {
 namespace {
 
 TEST(LegacyChunksMatch, aChunkNameThatContainsTheMediaNameMatches) {
-    EXPECT_TRUE(legacyChunksMatch({"Interview_01_wav_chunk_0.json"}, {"/footage/Interview_01.wav"}));
+    EXPECT_TRUE(legacyChunksMatch({"x_Interview_01_mov_chunk_0.json"}, {"/footage/Interview_01.mov"}));
+    EXPECT_FALSE(legacyChunksMatch({"x_Interview_01_mp4_chunk_0.json"}, {"/footage/Interview_01.mov"}));
 }
 
 TEST(LegacyChunksMatch, aMediaNameThatContainsTheChunkNameLessItsLastPieceMatches) {

@@ -17,7 +17,7 @@ struct ReadCard {
     std::vector<std::string> words;
 };
 
-/// "HH:MM:SS,mmm" of a time that is not below zero; -1 for anything else.
+/// "HH:MM:SS,mmm" of a time that is not below zero and of at most 9999 hours; -1 for anything else.
 long milliseconds(const std::string& time) {
     std::istringstream in(time);
     long hours = 0;
@@ -28,7 +28,9 @@ long milliseconds(const std::string& time) {
     char secondColon = 0;
     char comma = 0;
     in >> hours >> colon >> minutes >> secondColon >> seconds >> comma >> rest;
-    if (!in || colon != ':' || secondColon != ':' || comma != ',' || minutes > 59 || seconds > 59 || rest > 999)
+    const bool inRange = hours >= 0 && hours <= 9999 && minutes >= 0 && minutes <= 59 && seconds >= 0 &&
+                         seconds <= 59 && rest >= 0 && rest <= 999;
+    if (!in || colon != ':' || secondColon != ':' || comma != ',' || !inRange)
         return -1;
     return ((hours * 60 + minutes) * 60 + seconds) * 1000 + rest;
 }

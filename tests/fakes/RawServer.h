@@ -75,6 +75,9 @@ public:
     /// Reads no more than that many bytes at a time, with a pause in between.
     void readSlowly(qint64 bytesAtATime, std::chrono::milliseconds pause);
 
+    /// Acts on a request as soon as its head has come; its body is dropped.
+    void actBeforeBody() { m_actsBeforeBody = true; }
+
     /// Closes every connection, in order.
     void closeConnections();
 
@@ -91,6 +94,7 @@ private:
     std::vector<RawRequest> m_requests;
     int m_connectionCount = 0;
     std::size_t m_receivedBytes = 0;
+    bool m_actsBeforeBody = false;
     qint64 m_bytesAtATime = 0;
     std::chrono::milliseconds m_readPause{0};
 };

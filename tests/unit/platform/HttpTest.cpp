@@ -142,18 +142,6 @@ TEST_F(Http, aRedirectIsNotFollowedAndCarriesNoKeyAnywhere) {
     EXPECT_EQ(server.requests().size(), 5U);
 }
 
-TEST_F(Http, noProxyOfTheEnvironmentSeesARequest) {
-    RawServer proxy;
-    proxy.thenAlways(answer(httpAnswer(200, "from the proxy")));
-    const auto before = qgetenv("http_proxy");
-    qputenv("http_proxy", QByteArray::fromStdString(proxy.url()));
-    server.then(answer(httpAnswer(200, "from the service")));
-    const auto got = post();
-    before.isNull() ? qunsetenv("http_proxy") : qputenv("http_proxy", before);
-    EXPECT_EQ(got.body, "from the service");
-    EXPECT_EQ(proxy.connectionCount(), 0);
-}
-
 TEST_F(Http, noCookieIsKept) {
     server.then(answer(httpAnswer(200, "", {"Set-Cookie: session=1; Path=/"})));
     server.then(answer(httpAnswer(200, "")));

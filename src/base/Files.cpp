@@ -6,17 +6,19 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <sstream>
 
 namespace zuvo {
 
 namespace {
 
-/// A name beside the target that no other writer uses: random per process, counted within it.
-std::string neighbourName(const std::string& path) {
+constexpr std::size_t readChunk = 65536;
+
+/// A name beside the target that no other writer uses: random per process, counted within it. It does not hold the
+/// target's own name, which may already be as long as a name can be.
+std::filesystem::path neighbourOf(const std::filesystem::path& path) {
     static const auto salt = std::random_device{}();
     static std::atomic<unsigned> counter = 0;
-    return path + ".new-" + std::to_string(salt) + "-" + std::to_string(counter++);
+    return path.parent_path() / (".new-" + std::to_string(salt) + "-" + std::to_string(counter++));
 }
 
 } // namespace
@@ -28,12 +30,16 @@ std::optional<std::string> readFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file)
         return std::nullopt;
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    // An empty file sets failbit on the destination, since nothing was inserted; only a bad source is a failure.
+    std::string bytes;
+    std::string chunk(readChunk, '\0');
+    while (file) {
+        file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+        bytes.append(chunk, 0, static_cast<std::size_t>(file.gcount()));
+    }
+    // The end of the file is the only good reason to stop; a device or disk error must not pass for a short file.
     if (file.bad())
         return std::nullopt;
-    return std::move(bytes).str();
+    return bytes;
 }
 
 std::optional<std::string> readTextFile(const std::string& path) {
@@ -44,7 +50,7 @@ std::optional<std::string> readTextFile(const std::string& path) {
 }
 
 bool replaceFileAtomically(const std::string& path, std::string_view bytes) {
-    const auto neighbour = neighbourName(path);
+    const auto neighbour = neighbourOf(path);
     std::error_code error;
     {
         std::ofstream file(neighbour, std::ios::binary | std::ios::trunc);

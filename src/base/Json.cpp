@@ -53,7 +53,8 @@ bool hasOnlyFiniteNumbers(const Tree& tree) {
 } // namespace
 
 std::optional<Json> parseForeignJson(std::string_view text) {
-    if (nestsTooDeep(text))
+    // The parser takes a zero byte for the end of its input and would pass over what follows it.
+    if (text.find('\0') != std::string_view::npos || nestsTooDeep(text))
         return std::nullopt;
     auto tree = Json::parse(text, nullptr, false);
     if (tree.is_discarded())

@@ -10,13 +10,15 @@ namespace zuvo {
 // Number forms that never depend on the desktop's locale.
 
 /// The whole text as a decimal double: an optional sign, digits with an optional point, an optional exponent. No white
-/// space around it, no hexadecimal, no "inf" or "nan"; a value beyond the range of a double does not parse either.
+/// space around it, no hexadecimal, no "inf" or "nan"; a value beyond the range of a double, or too
+/// small to be told from zero, does not parse either.
 [[nodiscard]] std::optional<double> parseDouble(std::string_view text);
 
 /// The whole text as a decimal integer with an optional sign; nothing if it does not fit 64 bits.
 [[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
 
-/// The shortest text that reads back the same, with ".0" on whole numbers: 300.0, 0.1, 33.333333333333336.
+/// The shortest text that reads back the same, with ".0" on whole numbers: 300.0, 0.1, 33.333333333333336. From 1e16 on
+/// and below 1e-4 with an exponent: 1e+16, 1e-05.
 [[nodiscard]] std::string plainText(double value);
 
 /// "%.{digits}f" in the C locale.

@@ -8,8 +8,11 @@ namespace zuvo {
 
 namespace {
 
-/// One code point read from the front of a text: its value, and how many bytes it took. A byte that starts no valid
-/// sequence is read as U+FFFD of length 1, so that every text can be walked to its end.
+/// What an invalid byte is read as: a control character, which nothing ever joins to a grapheme cluster.
+constexpr utf8proc_int32_t invalidByte = 0;
+
+/// One code point of a text: its value, and how many bytes it took. A byte that starts no valid sequence is read as
+/// `invalidByte` of length 1, so that every text can be walked to its end.
 struct CodePoint {
     utf8proc_int32_t value;
     std::size_t bytes;
@@ -21,7 +24,7 @@ CodePoint codePointAt(std::string_view text, std::size_t position) {
     const auto left = static_cast<utf8proc_ssize_t>(text.size() - position);
     const auto length = utf8proc_iterate(data, left, &value);
     if (length <= 0)
-        return {0xFFFD, 1};
+        return {invalidByte, 1};
     return {value, static_cast<std::size_t>(length)};
 }
 
@@ -50,8 +53,8 @@ Prefix graphemePrefix(std::string_view text, std::size_t count) {
     return {position, characters};
 }
 
-constexpr std::array<utf8proc_int32_t, 10> singleWhiteSpaces = {0x20,   0x85,   0xA0,   0x1680, 0x2028,
-                                                                0x2029, 0x202F, 0x205F, 0x3000, 0x0B};
+constexpr std::array<utf8proc_int32_t, 9> singleWhiteSpaces = {0x20,   0x85,   0xA0,   0x1680, 0x2028,
+                                                               0x2029, 0x202F, 0x205F, 0x3000};
 
 bool isWhiteSpace(utf8proc_int32_t value) {
     if ((value >= 0x09 && value <= 0x0D) || (value >= 0x2000 && value <= 0x200A))

@@ -45,6 +45,32 @@ std::string_view rawValue(PipelineStep step) {
     return "Error";
 }
 
+std::string_view caseName(PipelineStep step) {
+    switch (step) {
+    case PipelineStep::idle:
+        return "idle";
+    case PipelineStep::connecting:
+        return "connecting";
+    case PipelineStep::extracting:
+        return "extracting";
+    case PipelineStep::chunking:
+        return "chunking";
+    case PipelineStep::transcribing:
+        return "transcribing";
+    case PipelineStep::analyzing:
+        return "analyzing";
+    case PipelineStep::translating:
+        return "translating";
+    case PipelineStep::building:
+        return "building";
+    case PipelineStep::complete:
+        return "complete";
+    case PipelineStep::error:
+        break;
+    }
+    return "error";
+}
+
 const MiningModeTexts& texts(MiningMode mode) {
     switch (mode) {
     case MiningMode::fullMine:

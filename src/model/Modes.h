@@ -24,6 +24,9 @@ enum class PipelineStep {
 /// The text that the progress page shows for a step.
 [[nodiscard]] std::string_view rawValue(PipelineStep step);
 
+/// The step's own name ("complete"), for programs that read along.
+[[nodiscard]] std::string_view caseName(PipelineStep step);
+
 /// The kind of job that the user picks.
 enum class MiningMode { fullMine, storyMine, structure, audit };
 

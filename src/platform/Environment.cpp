@@ -59,6 +59,20 @@ std::string fixedToolPath(const std::string& name) {
 #endif
 }
 
+namespace {
+
+std::string fixedResolveScriptLib() {
+    const std::string installed =
+        "/Library/Application Support/Blackmagic Design/DaVinci Resolve/Developer/Scripting/Modules";
+#ifdef Q_OS_LINUX
+    if (!fileExists(installed))
+        return "/opt/resolve/Developer/Scripting/Modules";
+#endif
+    return installed;
+}
+
+} // namespace
+
 Environment Environment::ofThisMachine() {
     Environment environment;
     environment.variable = processVariable;
@@ -68,6 +82,7 @@ Environment Environment::ofThisMachine() {
     environment.realHomeDir = databaseHome.empty() ? environment.home : databaseHome;
     environment.systemTemporaryFolder = QDir::tempPath().toStdString();
     environment.tools = {fixedToolPath("ffmpeg"), fixedToolPath("ffprobe"), fixedToolPath("python3")};
+    environment.resolveScriptLib = fixedResolveScriptLib();
     return environment;
 }
 

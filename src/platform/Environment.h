@@ -27,6 +27,9 @@ struct Environment {
 
     ToolPaths tools;
 
+    /// Folder of the module by which Python talks to DaVinci Resolve.
+    std::string resolveScriptLib;
+
     /// An environment variable of the program; nothing if it is not set.
     std::function<std::optional<std::string>(const std::string& name)> variable;
 

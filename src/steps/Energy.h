@@ -69,8 +69,8 @@ struct EnergyThresholds {
     std::size_t quiet = 0;
 };
 
-/// The two-class split of the lines' levels with the least within-class variance, then a cut at the lower third of the
-/// upper class. An empty list gives both thresholds at `silenceDb` and counts of 0.
+/// The two-class split of the lines' levels (finite numbers) with the least within-class variance, then a cut at the
+/// lower third of the upper class. An empty list gives both thresholds at `silenceDb` and counts of 0.
 [[nodiscard]] EnergyThresholds energyThresholds(std::span<const double> energies);
 
 /// "  Energy: {loud} loud, ..." as it stands in the log.

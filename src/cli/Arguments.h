@@ -1,0 +1,78 @@
+#pragma once
+
+#include "model/Modes.h"
+#include "model/Style.h"
+
+#include <QStringList>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zuvo {
+
+/// Style options as they were given. What was not given stays empty, so that a saved project's own values can hold.
+struct StyleOptions {
+    std::optional<MiningMode> mode;
+    std::optional<double> minutes;
+    std::optional<std::string> language;
+    std::optional<std::string> presetId;
+    std::vector<std::pair<std::string, double>> sliders; ///< slider id and value, in the order given
+    bool isMagicMode = false;
+    std::string notes;
+};
+
+struct MineFilesCommand {
+    std::vector<std::string> files; ///< absolute
+    StyleOptions style;
+    bool json = false;
+};
+
+struct MineTimelineCommand {
+    std::string timeline;
+    StyleOptions style;
+    bool json = false;
+};
+
+struct ReloadCommand {
+    std::string project;
+    StyleOptions style;
+    bool json = false;
+};
+
+struct ProjectsCommand {
+    bool json = false;
+};
+
+struct DeleteProjectCommand {
+    std::string project;
+};
+
+struct ClearCachesCommand {};
+
+/// Tells whether both keys are found, without showing them.
+struct KeysCommand {};
+
+struct VersionCommand {};
+
+struct HelpCommand {
+    std::string text;
+};
+
+/// The words on the command line make no command; `message` says what to write.
+struct WrongUsage {
+    std::string message;
+};
+
+using Command =
+    std::variant<MineFilesCommand, MineTimelineCommand, ReloadCommand, ProjectsCommand, DeleteProjectCommand,
+                 ClearCachesCommand, KeysCommand, VersionCommand, HelpCommand, WrongUsage>;
+
+/// What the words after the program's name ask for.
+[[nodiscard]] Command parseArguments(const QStringList& words);
+
+/// The preset's values if it is known, else the defaults, with the single sliders set on top.
+[[nodiscard]] StyleSliders slidersOf(const StyleOptions& style, const std::optional<std::string>& presetId);
+
+} // namespace zuvo

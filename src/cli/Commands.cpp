@@ -1,0 +1,164 @@
+#include "cli/Commands.h"
+
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "cli/Console.h"
+#include "cli/Interrupts.h"
+#include "platform/FileSystem.h"
+#include "platform/MineLock.h"
+#include "platform/ServiceAddresses.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QTimer>
+#include <cstdio>
+#include <unistd.h>
+
+namespace zuvo {
+
+namespace {
+
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+ExitStatus failWith(const std::string& message) {
+    std::fputs(("zuvo: " + withoutControlCharacters(message) + "\n").c_str(), stderr);
+    return ExitStatus::failed;
+}
+
+/// An address that would be refused later is refused now, before anything is paid for.
+std::string refusedAddress(const Environment& environment) {
+    for (const auto& address : {transcriptionAddress(environment), messagesAddress(environment)}) {
+        if (address.isRefused())
+            return address.refusal;
+    }
+    return {};
+}
+
+void warnOfMissingTools(const Environment& environment) {
+    for (const auto& tool : {environment.tools.ffmpeg, environment.tools.ffprobe}) {
+        if (!fileExists(tool))
+            std::fputs(("zuvo: " + tool + " is missing; install ffmpeg first\n").c_str(), stderr);
+    }
+}
+
+QCoro::Task<> mineAndQuit(std::shared_ptr<MineSession> session, Command command) {
+    const auto status = co_await session->run(std::move(command));
+    QCoreApplication::exit(static_cast<int>(status));
+}
+
+ExitStatus mine(Command command, bool json, const Platform& platform) {
+    const auto refusal = refusedAddress(platform.environment);
+    if (!refusal.empty())
+        return failWith(refusal);
+    warnOfMissingTools(platform.environment);
+    const MineLock lock(platform.environment);
+    if (!lock.isHeld())
+        return failWith(lock.refusal());
+
+    const bool hasNoColor = !platform.environment.variable("NO_COLOR").value_or("").empty();
+    const Console console(consoleForm(json, ::isatty(STDOUT_FILENO) == 1, hasNoColor), stdout);
+    const auto session = std::make_shared<MineSession>(LocalPipeline::create(platform), platform.processes, console);
+    const Interrupts interrupts;
+    QObject::connect(&interrupts, &Interrupts::interrupted, session.get(), &MineSession::interrupt);
+    QTimer::singleShot(0, session.get(), [session, command = std::move(command)] { mineAndQuit(session, command); });
+    return static_cast<ExitStatus>(QCoreApplication::exec());
+}
+
+std::string dateText(double secondsSince1970) {
+    constexpr double millisecondsPerSecond = 1000.0;
+    const auto date = QDateTime::fromMSecsSinceEpoch(truncated(secondsSince1970 * millisecondsPerSecond));
+    return QLocale::c().toString(date, QStringLiteral("yyyy-MM-dd HH:mm")).toStdString();
+}
+
+std::string projectLine(const SavedProject& project) {
+    const auto moments = project.results ? project.results->segments.size() : 0;
+    std::string line = dateText(project.createdAt) + "  " + withoutControlCharacters(project.timeline) + "  (" +
+                       std::to_string(moments) + " moment" + std::string(pluralS(moments)) + ", target " +
+                       plainText(project.targetMinutes) + " min";
+    if (project.presetId)
+        line += ", " + withoutControlCharacters(*project.presetId);
+    return line + ")\n";
+}
+
+OrderedJson projectObject(const SavedProject& project) {
+    OrderedJson object = {{"timeline", project.timeline},
+                          {"createdAt", project.createdAt},
+                          {"language", project.language},
+                          {"mediaPaths", project.mediaPaths},
+                          {"moments", project.results ? project.results->segments.size() : 0},
+                          {"targetMinutes", project.targetMinutes}};
+    object["presetId"] = project.presetId ? OrderedJson(*project.presetId) : OrderedJson(nullptr);
+    return object;
+}
+
+struct Carrier {
+    const Platform& platform;
+
+    ExitStatus operator()(const MineFilesCommand& command) const { return mine(command, command.json, platform); }
+    ExitStatus operator()(const MineTimelineCommand& command) const { return mine(command, command.json, platform); }
+    ExitStatus operator()(const ReloadCommand& command) const { return mine(command, command.json, platform); }
+
+    ExitStatus operator()(const ProjectsCommand& command) const {
+        const auto projects = LocalPipeline::create(platform)->listProjects();
+        for (const auto& project : projects)
+            print(command.json ? compactText(projectObject(project)).value_or("{}") + "\n" : projectLine(project));
+        if (projects.empty() && !command.json)
+            print("There are no saved projects yet.\n");
+        return ExitStatus::complete;
+    }
+
+    ExitStatus operator()(const DeleteProjectCommand& command) const {
+        const auto pipeline = LocalPipeline::create(platform);
+        const auto project = newestProject(*pipeline, command.project);
+        if (!project)
+            return failWith("there is no project called \"" + command.project + "\"; zuvo projects lists them");
+        pipeline->deleteProject(*project);
+        if (newestProject(*pipeline, command.project))
+            return failWith("the project \"" + command.project + "\" could not be removed");
+        print("Removed " + withoutControlCharacters(command.project) + " with its exports.\n");
+        return ExitStatus::complete;
+    }
+
+    ExitStatus operator()(const ClearCachesCommand& /*command*/) const {
+        const MineLock lock(platform.environment);
+        if (!lock.isHeld())
+            return failWith(lock.refusal());
+        LocalPipeline::create(platform)->clearCaches();
+        print("Caches cleared. Transcripts and audio chunks stay.\n");
+        return ExitStatus::complete;
+    }
+
+    ExitStatus operator()(const KeysCommand& /*command*/) const {
+        const auto pipeline = LocalPipeline::create(platform);
+        const bool hasOpenai = !pipeline->openaiKey().empty();
+        const bool hasAnthropic = !pipeline->anthropicKey().empty();
+        print(std::string("OPENAI_API_KEY: ") + (hasOpenai ? "found" : "missing") + "\n");
+        print(std::string("ANTHROPIC_API_KEY: ") + (hasAnthropic ? "found" : "missing") + "\n");
+        return hasOpenai && hasAnthropic ? ExitStatus::complete : ExitStatus::failed;
+    }
+
+    ExitStatus operator()(const VersionCommand& /*command*/) const {
+        print("zuvo " ZUVO_VERSION "\n");
+        return ExitStatus::complete;
+    }
+
+    ExitStatus operator()(const HelpCommand& command) const {
+        print(command.text);
+        return ExitStatus::complete;
+    }
+
+    ExitStatus operator()(const WrongUsage& command) const {
+        std::fputs((withoutControlCharacters(command.message) + "\n").c_str(), stderr);
+        return ExitStatus::wrongUsage;
+    }
+};
+
+} // namespace
+
+ExitStatus carryOut(Command command, const Platform& platform) {
+    return std::visit(Carrier{platform}, std::move(command));
+}
+
+} // namespace zuvo

@@ -1,0 +1,105 @@
+#include "cli/Console.h"
+
+#include "base/Json.h"
+#include "base/Numbers.h"
+
+namespace zuvo {
+
+namespace {
+
+constexpr const char* resetColour = "\x1b[0m";
+constexpr const char* eraseLine = "\r\x1b[K";
+constexpr double percent = 100.0;
+
+std::string_view colourCode(const std::string& color) {
+    if (color == LogColor::accent)
+        return "\x1b[33m";
+    if (color == LogColor::green)
+        return "\x1b[32m";
+    if (color == LogColor::dim)
+        return "\x1b[2m";
+    return "";
+}
+
+/// Length of the control character that starts at `position`, 0 if there is none: C0 and DEL in one byte, C1 in two.
+std::size_t controlLength(std::string_view text, std::size_t position) {
+    const auto byte = static_cast<unsigned char>(text[position]);
+    if ((byte < 0x20 && byte != '\n') || byte == 0x7F)
+        return 1;
+    if (byte == 0xC2 && position + 1 < text.size() && static_cast<unsigned char>(text[position + 1]) < 0xA0)
+        return 2;
+    return 0;
+}
+
+} // namespace
+
+ConsoleForm consoleForm(bool json, bool isTerminal, bool hasNoColor) {
+    if (json)
+        return ConsoleForm::json;
+    return isTerminal && !hasNoColor ? ConsoleForm::terminal : ConsoleForm::plain;
+}
+
+std::string withoutControlCharacters(std::string_view text) {
+    std::string harmless;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto length = controlLength(text, i);
+        if (length > 0)
+            harmless += "\uFFFD";
+        else
+            harmless += text[i];
+        i += length > 0 ? length : 1;
+    }
+    return harmless;
+}
+
+void Console::showLog(const PipelineLog& line) {
+    if (m_form == ConsoleForm::json) {
+        const OrderedJson event = {
+            {"event", "log"}, {"time", line.timestamp}, {"text", line.text}, {"color", line.color}};
+        write(compactText(event).value_or("{}") + "\n");
+        return;
+    }
+    const auto text = line.timestamp + " " + withoutControlCharacters(line.text);
+    if (m_form == ConsoleForm::plain) {
+        write(text + "\n");
+        return;
+    }
+    write(std::string(eraseLine) + std::string(colourCode(line.color)) + text + resetColour + "\n" + m_progressLine);
+}
+
+void Console::showProgress(double progress, std::string_view stepName, std::string_view stepText) {
+    if (m_form == ConsoleForm::json) {
+        const OrderedJson event = {{"event", "progress"}, {"progress", progress}, {"step", stepName}};
+        write(compactText(event).value_or("{}") + "\n");
+    } else if (m_form == ConsoleForm::terminal) {
+        m_progressLine = fixedText(progress * percent, 0) + "%  " + std::string(stepText);
+        write(eraseLine + m_progressLine);
+    }
+}
+
+void Console::showEnd(const RunEnd& end) {
+    clearProgress();
+    if (m_form != ConsoleForm::json)
+        return;
+    OrderedJson event = {{"event", "end"}, {"step", end.step}, {"interrupted", end.interrupted}};
+    event["exportDir"] = end.exportDir.empty() ? OrderedJson(nullptr) : OrderedJson(end.exportDir);
+    if (!end.errorMessage.empty())
+        event["errorMessage"] = end.errorMessage;
+    if (!end.buildResult.empty())
+        event["buildResult"] = end.buildResult;
+    write(compactText(event).value_or("{}") + "\n");
+}
+
+void Console::clearProgress() {
+    if (m_progressLine.empty())
+        return;
+    m_progressLine.clear();
+    write(eraseLine);
+}
+
+void Console::write(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), m_stream);
+    std::fflush(m_stream);
+}
+
+} // namespace zuvo

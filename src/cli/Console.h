@@ -1,0 +1,54 @@
+#pragma once
+
+#include "model/PipelineLog.h"
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace zuvo {
+
+/// How a run is shown on standard output.
+enum class ConsoleForm {
+    plain,    ///< "mm:ss text" a line
+    terminal, ///< the same in colour, with a line of progress under it
+    json,     ///< one JSON object a line
+};
+
+/// The form for standard output: colour and progress only on a terminal, never with NO_COLOR.
+[[nodiscard]] ConsoleForm consoleForm(bool json, bool isTerminal, bool hasNoColor);
+
+/// Foreign text made harmless for a terminal: control characters other than line ends become U+FFFD.
+[[nodiscard]] std::string withoutControlCharacters(std::string_view text);
+
+/// What the last line of a run's JSON form tells.
+struct RunEnd {
+    std::string step; ///< name of the step that the run ended in
+    bool interrupted = false;
+    std::string exportDir; ///< empty for none
+    std::string errorMessage;
+    std::string buildResult;
+};
+
+/// Shows the lines and the progress of a run. Writes to the stream as things come, a whole line at a time.
+class Console {
+public:
+    Console(ConsoleForm form, std::FILE* stream) : m_form(form), m_stream(stream) {}
+
+    void showLog(const PipelineLog& line);
+    /// `progress` from 0 to 1; `step` as the pages show it.
+    void showProgress(double progress, std::string_view stepName, std::string_view stepText);
+    void showEnd(const RunEnd& end);
+
+    /// Takes the line of progress away, so that other output can follow.
+    void clearProgress();
+
+private:
+    void write(std::string_view text);
+
+    ConsoleForm m_form;
+    std::FILE* m_stream;
+    std::string m_progressLine;
+};
+
+} // namespace zuvo

@@ -1,0 +1,122 @@
+#include "cli/MineSession.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+namespace zuvo {
+
+namespace {
+
+constexpr double standardMinutes = 5.0;
+
+void tell(const std::string& text) {
+    std::fputs((withoutControlCharacters(text) + "\n").c_str(), stderr);
+}
+
+StoryChoices storyChoices(const StyleOptions& style, const std::optional<std::string>& presetId, double minutes) {
+    StoryChoices choices;
+    choices.targetMinutes = minutes;
+    choices.sliders = slidersOf(style, presetId);
+    choices.presetId = presetId;
+    choices.isMagicMode = style.isMagicMode;
+    choices.directorNotes = style.notes;
+    return choices;
+}
+
+} // namespace
+
+std::optional<SavedProject> newestProject(const LocalPipeline& pipeline, const std::string& name) {
+    auto projects = pipeline.listProjects();
+    const auto found = std::find_if(projects.begin(), projects.end(),
+                                    [&name](const SavedProject& project) { return project.timeline == name; });
+    if (found == projects.end())
+        return std::nullopt;
+    return std::move(*found);
+}
+
+StoryChoices choicesForProject(const StyleOptions& style, const SavedProject& project) {
+    const auto presetId = style.presetId ? style.presetId : project.presetId;
+    return storyChoices(style, presetId, style.minutes.value_or(project.targetMinutes));
+}
+
+MineChoices choicesForFootage(const StyleOptions& style) {
+    MineChoices choices;
+    choices.mode = style.mode.value_or(MiningMode::fullMine);
+    choices.language = style.language.value_or("auto");
+    choices.story = storyChoices(style, style.presetId, style.minutes.value_or(standardMinutes));
+    return choices;
+}
+
+MineSession::MineSession(std::shared_ptr<LocalPipeline> pipeline, std::shared_ptr<ProcessRunner> processes,
+                         Console console)
+    : m_pipeline(std::move(pipeline)), m_processes(std::move(processes)), m_console(std::move(console)) {
+    const auto showProgress = [this] {
+        m_console.showProgress(m_pipeline->progress(), caseName(m_pipeline->step()), rawValue(m_pipeline->step()));
+    };
+    connect(m_pipeline.get(), &LocalPipeline::logAdded, this, [this] { m_console.showLog(m_pipeline->logs().back()); });
+    connect(m_pipeline.get(), &LocalPipeline::progressChanged, this, showProgress);
+    connect(m_pipeline.get(), &LocalPipeline::stepChanged, this, showProgress);
+}
+
+QCoro::Task<ExitStatus> MineSession::run(Command command) {
+    try {
+        co_await start(std::move(command));
+    } catch (const std::exception& error) {
+        m_console.clearProgress();
+        tell(std::string("zuvo: the mine ended by an unforeseen failure: ") + error.what());
+        co_return ExitStatus::failed;
+    }
+    co_return end();
+}
+
+QCoro::Task<> MineSession::start(Command command) {
+    if (const auto* files = std::get_if<MineFilesCommand>(&command)) {
+        auto choices = choicesForFootage(files->style);
+        co_await m_pipeline->run(files->files, std::move(choices));
+    } else if (const auto* timeline = std::get_if<MineTimelineCommand>(&command)) {
+        auto choices = choicesForFootage(timeline->style);
+        co_await m_pipeline->run(timeline->timeline, std::move(choices));
+    } else if (const auto* reload = std::get_if<ReloadCommand>(&command)) {
+        const auto project = newestProject(*m_pipeline, reload->project);
+        if (!project) {
+            tell("zuvo: there is no project called \"" + reload->project + "\"; zuvo projects lists them");
+            co_return;
+        }
+        if (reload->style.language || reload->style.mode)
+            tell("zuvo: --language and --mode have no effect with --reload: the project keeps its own");
+        auto choices = choicesForProject(reload->style, *project);
+        co_await m_pipeline->runFromProject(*project, std::move(choices));
+    }
+}
+
+ExitStatus MineSession::end() {
+    const bool complete = m_pipeline->step() == PipelineStep::complete;
+    RunEnd end;
+    end.step = caseName(m_pipeline->step());
+    end.interrupted = m_interrupted && !complete;
+    end.exportDir = complete ? m_pipeline->lastExportDir().value_or("") : "";
+    end.errorMessage = m_pipeline->errorMessage().value_or("");
+    end.buildResult = m_pipeline->buildResult().value_or("");
+    m_console.showEnd(end);
+    if (complete) {
+        tell("Export folder: " + end.exportDir);
+        return ExitStatus::complete;
+    }
+    return m_interrupted ? ExitStatus::interrupted : ExitStatus::failed;
+}
+
+void MineSession::interrupt() {
+    if (!m_interrupted) {
+        m_interrupted = true;
+        m_pipeline->cancel();
+        tell("\nStopping after the current step. Press Ctrl-C again to stop at once.");
+        return;
+    }
+    m_console.clearProgress();
+    m_processes->endChildren();
+    std::_Exit(static_cast<int>(ExitStatus::interrupted));
+}
+
+} // namespace zuvo

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "cli/Arguments.h"
+#include "cli/Console.h"
+#include "pipeline/LocalPipeline.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <memory>
+
+namespace zuvo {
+
+/// Exit statuses of the program.
+enum class ExitStatus { complete = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
+
+/// One mine on the command line: its lines and progress to the console, its end to an exit status, and Ctrl-C in
+/// between.
+class MineSession : public QObject {
+    Q_OBJECT
+public:
+    MineSession(std::shared_ptr<LocalPipeline> pipeline, std::shared_ptr<ProcessRunner> processes, Console console);
+
+    /// Runs the command to its end. Failures are exit statuses; nothing is thrown.
+    QCoro::Task<ExitStatus> run(Command command);
+
+    /// The first time asks the run to stop, the second time ends its children and the program at once.
+    void interrupt();
+
+private:
+    QCoro::Task<> start(Command command);
+    [[nodiscard]] ExitStatus end();
+
+    std::shared_ptr<LocalPipeline> m_pipeline;
+    std::shared_ptr<ProcessRunner> m_processes;
+    Console m_console;
+    bool m_interrupted = false;
+};
+
+/// The saved project that a name stands for: the newest of exactly that name.
+[[nodiscard]] std::optional<SavedProject> newestProject(const LocalPipeline& pipeline, const std::string& name);
+
+/// Minutes, preset and sliders as given, else the project's own.
+[[nodiscard]] StoryChoices choicesForProject(const StyleOptions& style, const SavedProject& project);
+
+/// As given, else the defaults.
+[[nodiscard]] MineChoices choicesForFootage(const StyleOptions& style);
+
+} // namespace zuvo

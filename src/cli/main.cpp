@@ -1,0 +1,10 @@
+#include "cli/Commands.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("zuvo"));
+    auto command = zuvo::parseArguments(QCoreApplication::arguments().mid(1));
+    return static_cast<int>(zuvo::carryOut(std::move(command), zuvo::Platform::ofThisMachine()));
+}

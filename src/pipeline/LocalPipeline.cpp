@@ -1,0 +1,75 @@
+#include "pipeline/LocalPipeline.h"
+
+#include <QTime>
+
+namespace zuvo {
+
+std::shared_ptr<LocalPipeline> LocalPipeline::create(Platform platform, ServiceTimeouts timeouts) {
+    // deleteLater, since the last holder may be a run that ends inside one of the pipeline's own signals.
+    return {new LocalPipeline(std::move(platform), timeouts), [](LocalPipeline* pipeline) { pipeline->deleteLater(); }};
+}
+
+LocalPipeline::LocalPipeline(Platform platform, ServiceTimeouts timeouts)
+    : m_platform(std::move(platform)), m_timeouts(timeouts), m_startTime(m_platform.clock()) {}
+
+void LocalPipeline::log(std::string text, const char* color) {
+    const auto time = m_platform.clock().toLocalTime().time();
+    m_logs.push_back(PipelineLog::make(std::move(text), color, {time.minute(), time.second()}, m_platform.newUuid()));
+    Q_EMIT logAdded();
+}
+
+void LocalPipeline::fail(std::string message) {
+    setStep(PipelineStep::error);
+    m_errorMessage = message;
+    Q_EMIT errorMessageChanged();
+    log("✗ " + message, LogColor::accent);
+}
+
+void LocalPipeline::beginRun() {
+    m_cancelled = false;
+    m_startTime = m_platform.clock();
+}
+
+void LocalPipeline::reset() {
+    setStep(PipelineStep::idle);
+    setProgress(0.0);
+    m_logs.clear();
+    Q_EMIT logsCleared();
+    m_results.reset();
+    Q_EMIT resultsChanged();
+    m_errorMessage.reset();
+    Q_EMIT errorMessageChanged();
+    m_lastExportDir.reset();
+    Q_EMIT lastExportDirChanged();
+    m_cancelled = false;
+}
+
+void LocalPipeline::setStep(PipelineStep step) {
+    if (m_step == step)
+        return;
+    m_step = step;
+    Q_EMIT stepChanged();
+}
+
+void LocalPipeline::setProgress(double progress) {
+    if (m_progress == progress)
+        return;
+    m_progress = progress;
+    Q_EMIT progressChanged();
+}
+
+void LocalPipeline::setLastMediaPaths(std::vector<std::string> paths) {
+    m_lastMediaPaths = std::move(paths);
+    Q_EMIT lastMediaPathsChanged();
+}
+
+void LocalPipeline::setBuildResult(std::optional<std::string> result) {
+    m_buildResult = std::move(result);
+    Q_EMIT buildResultChanged();
+}
+
+std::string LocalPipeline::cacheFile(const char* name) const {
+    return m_platform.environment.cacheFolder() + "/" + name;
+}
+
+} // namespace zuvo

@@ -1,0 +1,289 @@
+#pragma once
+
+#include "base/Json.h"
+#include "model/AuditReport.h"
+#include "model/Media.h"
+#include "model/MiningResults.h"
+#include "model/Modes.h"
+#include "model/PipelineLog.h"
+#include "model/Stores.h"
+#include "model/Style.h"
+#include "model/Transcript.h"
+#include "platform/Platform.h"
+#include "steps/Energy.h"
+#include "steps/Probing.h"
+#include "steps/TranscriptionFormat.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zuvo {
+
+/// What the user wants the story to be.
+struct StoryChoices {
+    double targetMinutes = 5.0;
+    StyleSliders sliders;
+    std::optional<std::string> presetId;
+    std::string referenceURL; ///< accepted, and used by no stage
+    bool isMagicMode = false;
+    std::string directorNotes;
+};
+
+/// What a mine of footage is started with.
+struct MineChoices {
+    MiningMode mode = MiningMode::fullMine;
+    std::string language = "auto"; ///< a language code, or "auto"
+    StoryChoices story;
+};
+
+/// How long a request to a service may go without a byte either way.
+struct ServiceTimeouts {
+    std::chrono::milliseconds transcription{300'000};
+    std::chrono::milliseconds words{120'000};
+    std::chrono::milliseconds messages{180'000};
+};
+
+/// One version of the story in a project's folder.
+struct MineVersion {
+    std::int64_t version = 0;
+    std::int64_t segments = 0;
+    double duration = 0.0; ///< seconds, as estimated by the analysis
+    double date = 0.0;     ///< seconds since 1970
+};
+
+/// Runs a mine on the user's own machine: the observable state that pages and the command line show, the order of the
+/// stages, and the stages themselves, one source unit each.
+///
+/// Everything happens on the thread it lives on; a stage gives it up only while a child process or a service is
+/// awaited. No operation reports failure to its caller: a failure is visible in `step`, `errorMessage` and `logs`. Held
+/// by shared_ptr alone: a run keeps its pipeline alive until it ends, whoever else has let go of it.
+class LocalPipeline : public QObject, public std::enable_shared_from_this<LocalPipeline> {
+    Q_OBJECT
+public:
+    using WordTimestamp = zuvo::WordTimestamp;
+    using WordSegment = zuvo::WordSegment;
+
+    [[nodiscard]] static std::shared_ptr<LocalPipeline> create(Platform platform, ServiceTimeouts timeouts = {});
+
+    // Observable state.
+
+    [[nodiscard]] PipelineStep step() const { return m_step; }
+    [[nodiscard]] double progress() const { return m_progress; } ///< 0 to 1, in fixed points
+    [[nodiscard]] const std::vector<PipelineLog>& logs() const { return m_logs; }
+    [[nodiscard]] const std::optional<MiningResults>& results() const { return m_results; } ///< set once complete
+    [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; }
+    /// Export folder of the last finished run.
+    [[nodiscard]] const std::optional<std::string>& lastExportDir() const { return m_lastExportDir; }
+    [[nodiscard]] const std::optional<std::vector<std::string>>& lastMediaPaths() const { return m_lastMediaPaths; }
+    /// Outcome of the timeline build, beginning with ✓ or ✗.
+    [[nodiscard]] const std::optional<std::string>& buildResult() const { return m_buildResult; }
+    [[nodiscard]] const std::optional<AuditReport>& auditReport() const { return m_auditReport; }
+    [[nodiscard]] const ProbeResults& probeResults() const { return m_probeResults; } ///< by file name
+    [[nodiscard]] const std::optional<TranscriptResult>& lastTranscript() const { return m_lastTranscript; }
+
+    // Runs.
+
+    /// Mines the timeline of this name in the open Resolve project, and builds the story there.
+    QCoro::Task<> run(std::string timeline, MineChoices choices);
+
+    /// Mines these files (absolute paths).
+    QCoro::Task<> run(std::vector<std::string> filePaths, MineChoices choices);
+
+    /// Tells a saved project anew in another style; its transcript is not paid for again.
+    QCoro::Task<> runFromProject(SavedProject project, StoryChoices choices);
+
+    /// Media behind a timeline; nothing if it cannot be found.
+    QCoro::Task<std::optional<std::vector<std::string>>> getMediaPaths(std::string timeline);
+
+    /// Builds the story that stands in `results` as a timeline; false without one, or if the build failed.
+    QCoro::Task<bool> rebuildTimeline(std::string name, std::vector<std::string> mediaPaths);
+
+    /// Builds segments.json as a new timeline in Resolve; the outcome is `buildResult`.
+    QCoro::Task<> buildTimelineFromSegmentsFile();
+
+    /// Makes a run stop at its next test, without a word. What is paid for by then stays.
+    void cancel() { m_cancelled = true; }
+
+    /// Back to the state before the first run, but for media paths, build result, audit report, probe results and the
+    /// last transcript. Also takes back a `cancel` that no run has seen yet.
+    void reset();
+
+    // Stores.
+
+    /// Folder of the transcript cache of these media, whatever their order, for this start of the program.
+    [[nodiscard]] std::string cacheDir(std::vector<std::string> mediaPaths) const;
+    [[nodiscard]] std::optional<TranscriptResult> loadCachedTranscript(const std::vector<std::string>& mediaPaths);
+    [[nodiscard]] std::optional<TranscriptResult> loadLegacyBrindlecotCache(const std::vector<std::string>& mediaPaths);
+    void saveTranscriptCache(const TranscriptResult& transcript, const std::vector<std::string>& mediaPaths);
+
+    /// Folder that holds a folder per project.
+    [[nodiscard]] std::string projectsDir() const;
+    void saveProject(const std::string& timeline, const TranscriptResult& transcript,
+                     const std::vector<std::string>& mediaPaths, const std::optional<std::string>& presetId,
+                     double targetMinutes);
+    [[nodiscard]] static TranscriptResult loadProject(const SavedProject& project);
+    [[nodiscard]] std::vector<SavedProject> listProjects() const; ///< newest first
+    /// Removes the project's folder with all in it; never `projectsDir` itself or anything outside it.
+    void deleteProject(const SavedProject& project);
+    [[nodiscard]] std::int64_t nextMineVersion(const std::string& folder) const;
+    [[nodiscard]] std::vector<MineVersion> listMineVersions() const; ///< of `lastExportDir`, ascending
+    /// Removes all caches but the paid-for transcripts and the chunks, and resets.
+    void clearCaches();
+
+    // Stages. Public for the pages that use them alone and for the tests; a run calls them in their order.
+
+    QCoro::Task<> probeAllMedia(std::vector<std::string> paths);
+    QCoro::Task<std::optional<ProbeResult>> probeMediaFile(std::string path);
+
+    QCoro::Task<std::optional<std::vector<std::string>>> getTimelineMedia(std::string timeline);
+    /// Path of one mono 16 kHz WAV of all sources in order, or nothing.
+    QCoro::Task<std::optional<std::string>> extractAudio(std::vector<std::string> mediaPaths);
+    /// Seconds; 300.0 if it cannot be measured, so that later offsets keep advancing.
+    QCoro::Task<double> getAudioDuration(std::string path);
+    /// Paths to transcribe, in order, each of at most 300 s unless the audio cannot be cut; never empty.
+    QCoro::Task<std::vector<std::string>> chunkAudio(std::string path);
+
+    QCoro::Task<std::optional<TranscriptResult>> transcribe(std::vector<std::string> chunks, std::string language);
+    QCoro::Task<std::optional<WhisperResponse>> transcribeChunk(std::string path, std::string language);
+
+    QCoro::Task<std::vector<WordSegment>>
+    wordLevelTranscribe(MiningResults analysis, std::vector<std::string> mediaPaths, std::string language);
+    QCoro::Task<std::optional<std::vector<WhisperWord>>> transcribeWithWords(std::string path, std::string language);
+    void cacheWordTimestamps(const std::vector<WordSegment>& segments);
+
+    /// ffmpeg filter that keeps the clearly louder of two channels, or "".
+    QCoro::Task<std::string> detectPrimaryChannel(std::string wavPath);
+    QCoro::Task<Samples> extractPCM(std::string wavPath, std::string channelFilter);
+
+    QCoro::Task<std::optional<MiningResults>> analyzeStory(TranscriptResult transcript, double targetMinutes,
+                                                           std::string language, std::string stylePrompt);
+
+    QCoro::Task<MiningResults> assignSourceClips(MiningResults analysis, std::vector<std::string> mediaPaths);
+    void writeSegmentsJson(const MiningResults& analysis);
+    /// For the review: writes the edited order back before a build. Logs nothing.
+    void writeSegmentsJsonPublic(const std::vector<StorySegment>& segments);
+
+    /// Writes the export bundle and gives its folder, whether or not anything could be written.
+    std::string saveExports(const std::string& timeline, const MiningResults& analysis,
+                            const TranscriptResult& transcript, const std::vector<WordSegment>& wordSegments);
+
+    // Tools and credentials.
+
+    /// True if the tool ran and ended with status 0.
+    QCoro::Task<bool> runProcess(std::string path, std::vector<std::string> args);
+    /// Standard output, whatever the exit status; "" if it is no UTF-8 or the tool cannot be launched.
+    QCoro::Task<std::string> runProcessOutput(std::string path, std::vector<std::string> args);
+    /// Standard error, by way of a temporary file; "" as above.
+    QCoro::Task<std::string> runProcessStderr(std::string path, std::vector<std::string> args);
+    /// Standard output of a Python program; nothing if Python cannot be launched.
+    QCoro::Task<std::optional<std::string>> runPython(std::string script);
+
+    /// Read anew at each use and kept nowhere; "" if there is none.
+    [[nodiscard]] std::string openaiKey() const;
+    [[nodiscard]] std::string anthropicKey() const;
+
+Q_SIGNALS:
+    void stepChanged();
+    void progressChanged();
+    void logAdded();    ///< one line came to the end of `logs`
+    void logsCleared(); ///< by `reset`
+    void resultsChanged();
+    void errorMessageChanged();
+    void lastExportDirChanged();
+    void lastMediaPathsChanged();
+    void buildResultChanged();
+    void probeResultsChanged();
+    void lastTranscriptChanged();
+
+private:
+    /// One mine from the first line of its log to the last.
+    struct Mine {
+        std::string name; ///< of the timeline, the files or the project
+        std::vector<std::string> mediaPaths;
+        std::string language; ///< the user's choice, not what was heard
+        StoryChoices story;
+        std::string extractionLine; ///< announces the extraction of audio
+        std::string wordsLine;      ///< between the number of words and of segments
+        std::string lastLine;
+        bool buildsTimeline = false;
+    };
+
+    /// What the first half of a mine came to.
+    struct TranscriptOutcome {
+        bool goesOn = false; ///< neither failed nor cancelled
+        std::optional<TranscriptResult> transcript;
+    };
+
+    /// What is known of the sound before the model is asked.
+    struct EnergyProfile {
+        std::vector<SourceFile> sources;
+        SampleStore samples;
+        EnergyThresholds thresholds;
+        std::string annotatedTranscript;
+    };
+
+    LocalPipeline(Platform platform, ServiceTimeouts timeouts);
+
+    void log(std::string text, const char* color = LogColor::muted);
+    void fail(std::string message);
+    void beginRun();
+    void setStep(PipelineStep step);
+    void setProgress(double progress);
+    void setLastMediaPaths(std::vector<std::string> paths);
+    void setBuildResult(std::optional<std::string> result);
+
+    QCoro::Task<> mineFootage(Mine mine);
+    QCoro::Task<TranscriptOutcome> obtainTranscript(Mine mine);
+    QCoro::Task<TranscriptOutcome> transcribeFootage(Mine mine);
+    QCoro::Task<> tellStory(Mine mine, std::optional<TranscriptResult> transcript);
+    void publishStory(const Mine& mine, const MiningResults& analysis, const TranscriptResult& transcript,
+                      const std::vector<WordSegment>& wordSegments);
+
+    QCoro::Task<bool> buildResolveTimeline(std::string name, MiningResults analysis,
+                                           std::vector<std::string> mediaPaths);
+    QCoro::Task<std::optional<double>> measuredDuration(std::string path);
+    void saveProbeCache();
+    [[nodiscard]] std::optional<Json> readProbeCache() const;
+
+    QCoro::Task<HttpAnswer> postAudio(std::string path, std::string language, TimestampGranularity granularity);
+    QCoro::Task<EnergyProfile> measureEnergy(TranscriptResult transcript);
+    QCoro::Task<std::vector<SourceFile>> findSources();
+    QCoro::Task<SampleStore> readSources(std::vector<SourceFile> sources);
+    QCoro::Task<std::optional<std::string>> askModel(std::string prompt);
+    void logKeyState(const std::string& key);
+    std::optional<MiningResults> decodeReply(const std::string& reply);
+
+    [[nodiscard]] std::optional<std::string> readKeyFromFile(const std::string& service) const;
+    [[nodiscard]] std::optional<std::string> readKeyFromZshrc(const std::string& name) const;
+    [[nodiscard]] std::string cacheFile(const char* name) const;
+
+    Platform m_platform;
+    ServiceTimeouts m_timeouts;
+
+    PipelineStep m_step = PipelineStep::idle;
+    double m_progress = 0.0;
+    std::vector<PipelineLog> m_logs;
+    std::optional<MiningResults> m_results;
+    std::optional<std::string> m_errorMessage;
+    std::optional<std::string> m_lastExportDir;
+    std::optional<std::vector<std::string>> m_lastMediaPaths;
+    std::optional<std::string> m_buildResult;
+    std::optional<AuditReport> m_auditReport;
+    ProbeResults m_probeResults;
+    std::optional<TranscriptResult> m_lastTranscript;
+
+    /// Set by `cancel`, taken back by `reset` and by the start of a run.
+    bool m_cancelled = false;
+    QDateTime m_startTime;
+};
+
+/// Name of a mine of dropped files: the one file's name without its extension (every occurrence of it), or "Dropped
+/// Files ({n})".
+[[nodiscard]] std::string displayName(const std::vector<std::string>& filePaths);
+
+} // namespace zuvo

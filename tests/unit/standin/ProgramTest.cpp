@@ -1,0 +1,109 @@
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTcpSocket>
+#include <csignal>
+#include <gmock/gmock.h>
+
+namespace {
+
+constexpr int patience = 30000; // milliseconds
+
+class Program : public testing::Test {
+protected:
+    void start(const QStringList& arguments) {
+        process_.start(QStringLiteral(ZUVO_STANDIN_PROGRAM), arguments);
+        ASSERT_TRUE(process_.waitForStarted(patience));
+    }
+
+    /// Starts it and reads the two lines it prints when it is ready.
+    void startReady(const QStringList& arguments) {
+        start(arguments);
+        while (printed_.count('\n') < 2) {
+            ASSERT_TRUE(process_.waitForReadyRead(patience)) << process_.readAllStandardError().toStdString();
+            printed_ += process_.readAllStandardOutput();
+        }
+    }
+
+    [[nodiscard]] quint16 port() const {
+        const QRegularExpression lines(QStringLiteral("^OPENAI_BASE_URL=http://127\\.0\\.0\\.1:(\\d+)/v1\n"
+                                                      "ANTHROPIC_BASE_URL=http://127\\.0\\.0\\.1:\\1\n$"));
+        return lines.match(QString::fromUtf8(printed_)).captured(1).toUShort();
+    }
+
+    /// What comes back for a bare request, up to the end of the head.
+    [[nodiscard]] QByteArray ask() const {
+        QTcpSocket socket;
+        socket.connectToHost(QStringLiteral("127.0.0.1"), port());
+        EXPECT_TRUE(socket.waitForConnected(patience));
+        socket.write("POST /v1/messages HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n");
+        QByteArray answer;
+        while (!answer.contains("\r\n\r\n") && socket.waitForReadyRead(patience))
+            answer += socket.readAll();
+        return answer;
+    }
+
+    /// Exit status, or -1 if it did not end by itself.
+    int finish() {
+        if (!process_.waitForFinished(patience) || process_.exitStatus() != QProcess::NormalExit)
+            return -1;
+        return process_.exitCode();
+    }
+
+    QProcess process_;
+    QByteArray printed_;
+};
+
+TEST_F(Program, printsBothAddressesAndAnswersThere) {
+    ASSERT_NO_FATAL_FAILURE(startReady({}));
+    ASSERT_NE(port(), 0) << printed_.toStdString();
+    EXPECT_TRUE(ask().startsWith("HTTP/1.1 401 "));
+    process_.terminate();
+    EXPECT_EQ(finish(), 0);
+}
+
+TEST_F(Program, failsAsTold) {
+    ASSERT_NO_FATAL_FAILURE(startReady({QStringLiteral("--fail"), QStringLiteral("messages:status=503,after=1"),
+                                        QStringLiteral("--fail"), QStringLiteral("transcription:drop")}));
+    EXPECT_TRUE(ask().startsWith("HTTP/1.1 401 "));
+    EXPECT_TRUE(ask().startsWith("HTTP/1.1 503 "));
+    process_.terminate();
+    EXPECT_EQ(finish(), 0);
+}
+
+TEST_F(Program, endsWellWhenInterrupted) {
+    ASSERT_NO_FATAL_FAILURE(startReady({}));
+    ASSERT_EQ(kill(static_cast<pid_t>(process_.processId()), SIGINT), 0);
+    EXPECT_EQ(finish(), 0);
+}
+
+TEST_F(Program, aTakenPortIsAFailureWithAMessage) {
+    ASSERT_NO_FATAL_FAILURE(startReady({}));
+    QProcess second;
+    second.start(QStringLiteral(ZUVO_STANDIN_PROGRAM), {QStringLiteral("--port"), QString::number(port())});
+    ASSERT_TRUE(second.waitForFinished(patience));
+    EXPECT_EQ(second.exitCode(), 1);
+    EXPECT_THAT(second.readAllStandardError().toStdString(), testing::HasSubstr("is taken"));
+    process_.terminate();
+    EXPECT_EQ(finish(), 0);
+}
+
+TEST_F(Program, wrongUsageEndsWithTwoAndSaysWhy) {
+    const std::vector<QStringList> wrong{{QStringLiteral("--fail"), QStringLiteral("messages:explode")},
+                                         {QStringLiteral("--port"), QStringLiteral("many")},
+                                         {QStringLiteral("--sample"), QStringLiteral("/no/such/folder")},
+                                         {QStringLiteral("--loud")},
+                                         {QStringLiteral("argument")}};
+    for (const QStringList& arguments : wrong) {
+        start(arguments);
+        EXPECT_EQ(finish(), 2) << arguments.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(process_.readAllStandardError().startsWith("zuvo-standin: "));
+    }
+}
+
+TEST_F(Program, helpSaysHowToFail) {
+    start({QStringLiteral("--help")});
+    EXPECT_EQ(finish(), 0);
+    EXPECT_THAT(process_.readAllStandardOutput().toStdString(), testing::HasSubstr("--fail"));
+}
+
+} // namespace

@@ -1,0 +1,130 @@
+#include "standin/StandIn.h"
+
+#include "standin/HttpFront.h"
+#include "standin/MessagesService.h"
+#include "standin/TranscriptionService.h"
+
+#include <algorithm>
+
+namespace zuvo::standin {
+namespace {
+
+Answer plainError(Service service, int status) {
+    const std::string message = "The stand-in was told to answer with status " + std::to_string(status) + ".";
+    if (service == Service::messages)
+        return messagesError(status, "api_error", message);
+    return transcriptionError(status, "server_error", message);
+}
+
+Answer rightAnswer(const RecordedRequest& request, const SampleKnowledge& sample,
+                   const std::optional<std::string>& replyText) {
+    switch (request.service) {
+    case Service::transcription:
+        return answerTranscription(request, sample);
+    case Service::messages:
+        return answerMessages(request, replyText);
+    case Service::none:
+        break;
+    }
+    return transcriptionError(404, "invalid_request_error", "Unknown path: " + request.path);
+}
+
+} // namespace
+
+QString StandIn::defaultSampleFolder() {
+    return QStringLiteral(ZUVO_SAMPLE_FOLDER);
+}
+
+StandIn::StandIn(const QString& sampleFolder, QObject* parent)
+    : QObject(parent),
+      sample_(loadSample(sampleFolder.toStdString()).value_or(SampleKnowledge())),
+      front_(std::make_unique<HttpFront>(*this)) {}
+
+StandIn::~StandIn() = default;
+
+bool StandIn::listen(quint16 port) {
+    return front_->listenOnLoopback(port);
+}
+
+quint16 StandIn::port() const {
+    return front_->port();
+}
+
+QString StandIn::transcriptionBase() const {
+    return messagesBase() + QStringLiteral("/v1");
+}
+
+QString StandIn::messagesBase() const {
+    return QStringLiteral("http://127.0.0.1:%1").arg(port());
+}
+
+void StandIn::fail(Service service, const Failure& failure, Occasion occasion) {
+    standing_.push_back({{service, failure, occasion}, 0});
+}
+
+void StandIn::failNothing() {
+    standing_.clear();
+}
+
+std::vector<RecordedRequest> StandIn::requests(Service service) const {
+    std::vector<RecordedRequest> result;
+    std::copy_if(requests_.begin(), requests_.end(), std::back_inserter(result),
+                 [&](const RecordedRequest& request) { return request.service == service; });
+    return result;
+}
+
+int StandIn::connectionCount() const {
+    return front_->connectionCount();
+}
+
+Failure StandIn::takeFailure(Service service) {
+    Failure decided; // no delay: the right answer at once
+    for (Standing& standing : standing_) {
+        if (standing.order.service != service)
+            continue;
+        const int number = standing.seen++;
+        const Occasion& occasion = standing.order.occasion;
+        if (number >= occasion.after && number - occasion.after < occasion.count)
+            decided = standing.order.failure;
+    }
+    return decided;
+}
+
+Answer StandIn::answer(const RecordedRequest& request, const Failure& failure) const {
+    switch (failure.kind) {
+    case FailureKind::status: {
+        Answer answer = plainError(request.service, failure.statusCode);
+        answer.body = failure.text.value_or(answer.body);
+        return answer;
+    }
+    case FailureKind::unauthorized: {
+        Answer answer = plainError(request.service, 401);
+        answer.headers.emplace_back("WWW-Authenticate", "Basic realm=\"stand-in\"");
+        return answer;
+    }
+    case FailureKind::redirect:
+        return {302, "", {{"Location", failure.text.value_or("/")}}};
+    case FailureKind::notJson:
+        return {200, "<html>Not what you asked for</html>"};
+    case FailureKind::wrongShape:
+        return {200, R"({"unexpected":[1,2,3]})"};
+    case FailureKind::body:
+        return {200, failure.text.value_or("")};
+    case FailureKind::drop:
+    case FailureKind::stall:
+        return {};
+    case FailureKind::truncatedJson: {
+        Answer answer = rightAnswer(request, sample_, {});
+        answer.body.resize(answer.body.size() / 2);
+        return answer;
+    }
+    case FailureKind::replyText:
+        return rightAnswer(request, sample_, failure.text);
+    case FailureKind::delayOnly:
+    case FailureKind::cut:
+        break;
+    }
+    return rightAnswer(request, sample_, {});
+}
+
+} // namespace zuvo::standin

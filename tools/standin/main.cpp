@@ -1,0 +1,97 @@
+#include "standin/StandIn.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+std::array<int, 2> signalSockets{-1, -1};
+
+/// A signal handler may do little more than write: the event loop reads the other end and quits.
+extern "C" void noteSignal(int) {
+    const char byte = 0;
+    const ssize_t written = write(signalSockets[0], &byte, sizeof byte);
+    static_cast<void>(written); // a full socket already holds a byte that ends the program
+}
+
+bool endOnSignals(QCoreApplication& application) {
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, signalSockets.data()) != 0)
+        return false;
+    auto* notifier = new QSocketNotifier(signalSockets[1], QSocketNotifier::Read, &application);
+    QObject::connect(notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
+    return std::signal(SIGINT, noteSignal) != SIG_ERR && std::signal(SIGTERM, noteSignal) != SIG_ERR;
+}
+
+constexpr const char* description =
+    "Plays the transcription and messages services on 127.0.0.1, for trying the program out and for tests.\n"
+    "Prints two lines that a shell can read, OPENAI_BASE_URL=... and ANTHROPIC_BASE_URL=..., once it is ready.\n"
+    "\n"
+    "A failure is SERVICE:KIND[,OPTION...] with SERVICE transcription or messages and KIND one of\n"
+    "  status=N  unauthorized  redirect=URL  notjson  shape  truncated  drop  cut  stall  delay=MS\n"
+    "  body=TEXT  reply=TEXT (messages alone)\n"
+    "and OPTION one of\n"
+    "  after=N (so many requests are answered well first)  count=N (so many fail then)  delay=MS\n"
+    "  body=TEXT (with status). TEXT runs to the end, so it comes last.";
+
+[[noreturn]] void refuse(const QString& message) {
+    std::fprintf(stderr, "zuvo-standin: %s\n", qPrintable(message));
+    std::exit(2);
+}
+
+void orderFailures(zuvo::standin::StandIn& standIn, const QStringList& texts) {
+    for (const QString& text : texts) {
+        const auto order = zuvo::standin::parseFailureOrder(text.toStdString());
+        if (!order)
+            refuse(QStringLiteral("\"%1\" is no failure; --help tells how to write one").arg(text));
+        standIn.fail(order->service, order->failure, order->occasion);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("zuvo-standin"));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString::fromUtf8(description));
+    parser.addHelpOption();
+    const QCommandLineOption portOption(QStringLiteral("port"),
+                                        QStringLiteral("Listen on port N; a free one if left out."),
+                                        QStringLiteral("N"), QStringLiteral("0"));
+    const QCommandLineOption failOption(
+        QStringLiteral("fail"), QStringLiteral("Fail as told; can be given repeatedly."), QStringLiteral("FAILURE"));
+    const QCommandLineOption sampleOption(QStringLiteral("sample"), QStringLiteral("The sample interview's folder."),
+                                          QStringLiteral("DIR"), zuvo::standin::StandIn::defaultSampleFolder());
+    parser.addOptions({portOption, failOption, sampleOption});
+    if (!parser.parse(QCoreApplication::arguments()))
+        refuse(parser.errorText());
+    if (parser.isSet(QStringLiteral("help")))
+        parser.showHelp();
+    if (!parser.positionalArguments().isEmpty())
+        refuse(QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().constFirst()));
+
+    bool isNumber = false;
+    const quint16 port = parser.value(portOption).toUShort(&isNumber);
+    if (!isNumber)
+        refuse(QStringLiteral("\"%1\" is no port").arg(parser.value(portOption)));
+    zuvo::standin::StandIn standIn(parser.value(sampleOption));
+    if (!standIn.knowsSample())
+        refuse(QStringLiteral("no readable transcript.json in %1").arg(parser.value(sampleOption)));
+    orderFailures(standIn, parser.values(failOption));
+    if (!endOnSignals(application))
+        refuse(QStringLiteral("cannot listen for signals"));
+    if (!standIn.listen(port)) {
+        std::fprintf(stderr, "zuvo-standin: port %d is taken\n", int{port});
+        return 1;
+    }
+    std::printf("OPENAI_BASE_URL=%s\nANTHROPIC_BASE_URL=%s\n", qPrintable(standIn.transcriptionBase()),
+                qPrintable(standIn.messagesBase()));
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}

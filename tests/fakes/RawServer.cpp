@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace zuvo::test {
+namespace zuvo::tests {
 
 namespace {
 
@@ -205,4 +205,4 @@ void RawServer::take(QTcpSocket* socket, int connection, const std::string& byte
     }
 }
 
-} // namespace zuvo::test
+} // namespace zuvo::tests

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace zuvo::test {
+namespace zuvo::tests {
 
 /// What arrived of one request, byte for byte.
 struct RawRequest {
@@ -99,4 +99,4 @@ private:
     std::chrono::milliseconds m_readPause{0};
 };
 
-} // namespace zuvo::test
+} // namespace zuvo::tests

@@ -7,7 +7,7 @@
 
 using namespace std::chrono_literals;
 using namespace zuvo;
-using namespace zuvo::test;
+using namespace zuvo::tests;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

@@ -42,6 +42,14 @@ void keep(std::string& text, const QByteArray& bytes) {
     text.append(bytes.constData(), std::min(room, static_cast<std::size_t>(bytes.size())));
 }
 
+/// The child makes its group by itself; until it has come to that, the group would be missed. Whoever is second fails,
+/// which is fine.
+void makeGroup(const QProcess& process) {
+    const auto id = static_cast<pid_t>(process.processId());
+    if (id > 0)
+        ::setpgid(id, id);
+}
+
 void endGroup(const QProcess& process) {
     const auto id = process.processId();
     if (id > 0)
@@ -81,6 +89,7 @@ QCoro::Task<ProcessOutcome> ChildProcessRunner::run(ProcessRequest request) {
     std::erase_if(m_children, [](const QPointer<QProcess>& known) { return known.isNull(); });
     m_children.emplace_back(child);
     child->start(QIODevice::ReadOnly);
+    makeGroup(*child);
     co_await ended.future();
 
     outcome.launched = outcome.launchFailure.empty();

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <csignal>
 #include <memory>
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
 #include <unistd.h>
 
 namespace zuvo {
@@ -33,7 +36,14 @@ void configure(QProcess& process, const ProcessRequest& request) {
         process.setStandardErrorFile(QString::fromStdString(request.errorFile));
     else if (!request.keepsError)
         process.setStandardErrorFile(QProcess::nullDevice());
-    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    process.setChildProcessModifier([] {
+        ::setpgid(0, 0);
+#ifdef Q_OS_LINUX
+        // In a group of its own it hears nothing of our end, so that a kill or a closed terminal would leave it
+        // running.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+    });
 }
 
 /// Appends what came, up to the limit; the rest is read and dropped, so that the child never waits for us.

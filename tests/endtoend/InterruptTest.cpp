@@ -1,0 +1,175 @@
+// Ctrl-C: the first asks the run to stop, the second ends it with its children at once.
+
+#include "endtoend/MineTest.h"
+#include "fakes/CoroutineTest.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zuvo::endtoend {
+namespace {
+
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+const std::string stopping = "\nStopping after the current step. Press Ctrl-C again to stop at once.\n";
+
+/// State letter of a process ("Z" for one that ended and waits to be buried) and its parent; empty if it is gone.
+struct ProcessState {
+    std::string state;
+    qint64 parent = 0;
+};
+
+ProcessState stateOf(qint64 process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    // The name stands in brackets and may hold anything.
+    const auto behindName = text.rfind(')');
+    if (behindName == std::string::npos)
+        return {};
+    std::istringstream fields(text.substr(behindName + 1));
+    ProcessState found;
+    fields >> found.state >> found.parent;
+    return found;
+}
+
+bool isRunning(qint64 process) {
+    const auto state = stateOf(process).state;
+    return !state.empty() && state != "Z" && state != "X";
+}
+
+/// The running child of a process; 0 if it has none.
+qint64 childOf(qint64 parent) {
+    std::error_code unreadable;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc", unreadable)) {
+        const auto name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        const auto process = std::stoll(name);
+        if (stateOf(process).parent == parent && isRunning(process))
+            return process;
+    }
+    return 0;
+}
+
+class InterruptTest : public MineTest {
+protected:
+    /// A mine of a pipe that nobody writes to: its ffprobe runs for as long as the test wants.
+    qint64 givenAChildThatWaits() {
+        EXPECT_EQ(mkfifo(pipe().c_str(), S_IRUSR | S_IWUSR), 0);
+        run = world.begin({"mine", pipe(), "--json"});
+        qint64 child = 0;
+        EXPECT_TRUE(test::waitUntil([&] {
+            child = childOf(run->processId());
+            // Between fork and exec the child is not yet in a group of its own.
+            return child != 0 && ::getpgid(static_cast<pid_t>(child)) == child;
+        }));
+        return child;
+    }
+
+    [[nodiscard]] std::string pipe() const { return world.media("pipe.wav"); }
+
+    /// Lets the waiting ffprobe read an empty file.
+    void closeThePipe() const {
+        int end = -1;
+        EXPECT_TRUE(test::waitUntil([&] { return (end = ::open(pipe().c_str(), O_WRONLY | O_NONBLOCK)) >= 0; }));
+        ::close(end);
+    }
+
+    [[nodiscard]] Json lastEvent() const {
+        const auto lines = linesOf(ending.output);
+        return lines.empty() ? Json() : Json::parse(lines.back());
+    }
+
+    std::unique_ptr<Running> run;
+};
+
+TEST_F(InterruptTest, aMineInterruptedWhileAServiceWorksEndsWithoutAStory) {
+    givenTranscript();
+    world.services.fail(standin::Service::transcription,
+                        standin::Failure::body(transcriptionAnswer(climbingLines(), {})).after(700ms));
+    run = world.begin({"mine", givenFootage("talk.wav")});
+    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    run->press(SIGINT);
+    ending = run->end();
+    thenItEndsWith(130);
+    thenLogEndsWith({"  Transcribing chunk 1/1..."});
+    EXPECT_EQ(ending.errors, stopping);
+    EXPECT_EQ(messagesRequests(), 0U);
+    EXPECT_FALSE(exists(world.exports("")));
+}
+
+TEST_F(InterruptTest, aRequestToTerminateIsAnInterruptToo) {
+    world.services.fail(standin::Service::transcription, standin::Failure::drop().after(700ms));
+    run = world.begin({"mine", givenFootage("talk.wav")});
+    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    run->press(SIGTERM);
+    ending = run->end();
+    thenItEndsWith(130);
+    // A stage that gave nothing fails the run before the interrupt is looked at.
+    thenLogEndsWith({"✗ Transcription failed"});
+}
+
+TEST_F(InterruptTest, theFirstInterruptLeavesTheRunningToolAlone) {
+    const auto child = givenAChildThatWaits();
+    EXPECT_NE(::getpgid(static_cast<pid_t>(child)), ::getpgid(static_cast<pid_t>(run->processId())))
+        << "what the terminal sends to the program's group does not reach the tool";
+    run->press(SIGINT);
+    test::runEventLoop(300ms);
+    EXPECT_TRUE(isRunning(child));
+    EXPECT_FALSE(run->hasEnded());
+    closeThePipe();
+    ending = run->end();
+    thenItEndsWith(130);
+    EXPECT_EQ(ending.errors, stopping);
+    EXPECT_EQ(lastEvent(),
+              (Json{{"event", "end"}, {"step", "connecting"}, {"interrupted", true}, {"exportDir", nullptr}}));
+}
+
+TEST_F(InterruptTest, theSecondInterruptEndsProgramAndToolAtOnce) {
+    const auto child = givenAChildThatWaits();
+    run->press(SIGINT);
+    test::runEventLoop(200ms);
+    EXPECT_FALSE(run->hasEnded());
+    run->press(SIGINT);
+    ending = run->end(10s);
+    thenItEndsWith(130);
+    EXPECT_TRUE(test::waitUntil([child] { return !isRunning(child); }));
+}
+
+TEST_F(InterruptTest, theSecondInterruptEndsARunThatWaitsForAService) {
+    world.services.fail(standin::Service::transcription, standin::Failure::stall());
+    run = world.begin({"mine", givenFootage("talk.wav")});
+    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    run->press(SIGINT);
+    test::runEventLoop(200ms);
+    EXPECT_FALSE(run->hasEnded());
+    run->press(SIGINT);
+    ending = run->end(10s);
+    thenItEndsWith(130);
+    EXPECT_FALSE(exists(world.exports("")));
+}
+
+TEST_F(InterruptTest, anInterruptedMineCanBeStartedAgain) {
+    givenTranscript();
+    givenStory();
+    world.services.fail(standin::Service::transcription, standin::Failure::stall(), standin::Occasion::next(1));
+    const auto file = givenFootage("talk.wav");
+    run = world.begin({"mine", file});
+    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    run->press(SIGINT);
+    test::runEventLoop(200ms);
+    run->press(SIGINT);
+    EXPECT_EQ(run->end(10s).status, 130);
+    mine({file});
+    thenItEndsWith(0);
+}
+
+} // namespace
+} // namespace zuvo::endtoend

@@ -1,0 +1,147 @@
+#include "endtoend/World.h"
+
+#include "fakes/CoroutineTest.h"
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+
+namespace zuvo::endtoend {
+
+std::vector<std::string> Ending::log() const {
+    constexpr std::size_t timeLength = 6; // "mm:ss "
+    auto lines = linesOf(output);
+    for (auto& line : lines)
+        line.erase(0, std::min(timeLength, line.size()));
+    return lines;
+}
+
+Running::Running(const QProcessEnvironment& environment, const std::string& workingFolder,
+                 const std::vector<std::string>& words) {
+    QStringList arguments;
+    for (const auto& word : words)
+        arguments.append(QString::fromStdString(word));
+    m_process.setProcessEnvironment(environment);
+    m_process.setWorkingDirectory(QString::fromStdString(workingFolder));
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
+                     [this] { m_output += m_process.readAllStandardOutput(); });
+    QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
+                     [this] { m_errors += m_process.readAllStandardError(); });
+    m_process.start(QStringLiteral(ZUVO_PROGRAM), arguments);
+}
+
+Running::~Running() {
+    if (hasEnded())
+        return;
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+void Running::press(int signal) const {
+    ::kill(static_cast<pid_t>(processId()), signal);
+}
+
+Ending Running::end(std::chrono::seconds limit) {
+    Ending ending;
+    if (!test::waitUntil([this] { return hasEnded(); }, limit))
+        ending.failure = "The program did not end";
+    else if (m_process.exitStatus() != QProcess::NormalExit || m_process.error() == QProcess::FailedToStart)
+        ending.failure = m_process.errorString().toStdString();
+    else
+        ending.status = m_process.exitCode();
+    ending.output = (m_output + m_process.readAllStandardOutput()).toStdString();
+    ending.errors = (m_errors + m_process.readAllStandardError()).toStdString();
+    return ending;
+}
+
+World::World() {
+    if (!services.listen())
+        throw std::runtime_error("No port is free");
+    folder.makeFolder("home");
+    folder.makeFolder("temporary");
+    folder.makeFolder("media");
+    set("HOME", home());
+    set("TMPDIR", temporary());
+    set("OPENAI_API_KEY", openaiKey);
+    set("ANTHROPIC_API_KEY", anthropicKey);
+    set("OPENAI_BASE_URL", services.transcriptionBase().toStdString());
+    set("ANTHROPIC_BASE_URL", services.messagesBase().toStdString());
+    // Tools lie at fixed places, so nothing is found by PATH.
+    set("PATH", "/nowhere");
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+        if (qEnvironmentVariableIsSet(name))
+            set(name, qgetenv(name).toStdString());
+    }
+}
+
+std::string World::cache(const std::string& name) const {
+    return home() + "/Library/Caches/ZuvoManager" + (name.empty() ? "" : "/" + name);
+}
+
+std::string World::exports(const std::string& project, const std::string& name) const {
+    return home() + "/Library/Application Support/ZuvoManager/exports/" + project + (name.empty() ? "" : "/" + name);
+}
+
+void World::set(const std::string& variable, const std::string& value) {
+    environment.insert(QString::fromStdString(variable), QString::fromStdString(value));
+}
+
+std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) const {
+    return std::make_unique<Running>(environment, workingFolder, words);
+}
+
+bool exists(const std::string& path) {
+    return std::filesystem::exists(path);
+}
+
+std::string bytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path << " is missing";
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Json jsonOf(const std::string& path) {
+    auto json = Json::parse(bytesOf(path), nullptr, false);
+    EXPECT_FALSE(json.is_discarded()) << path << " is no JSON";
+    return json;
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, missing))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const auto& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+std::string sampleFolder() {
+    return standin::StandIn::defaultSampleFolder().toStdString();
+}
+
+std::vector<std::string> samplePaths() {
+    return {sampleFolder() + "/harbour_interview_01.m4a", sampleFolder() + "/harbour_interview_02.m4a"};
+}
+
+} // namespace zuvo::endtoend

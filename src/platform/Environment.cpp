@@ -39,23 +39,29 @@ std::string homeOfUserDatabase() {
     return found->pw_dir == nullptr ? std::string() : withoutTrailingSlashes(found->pw_dir);
 }
 
-/// Whether `folder` is a real folder of this user's that nobody else may enter; its mode is narrowed if need be.
+/// $TMPDIR if it is there, else /tmp. Qt's own answer is empty for a $TMPDIR that is missing, which would lead to "/".
+std::string temporaryFolderOfTheSystem() {
+    const auto folder = QDir::tempPath().toStdString();
+    return folder.empty() ? "/tmp" : folder;
+}
+
+/// Whether `folder` is a real folder of this user's that nobody else may enter; its mode is set right if need be.
 bool isPrivateFolder(const std::string& folder) {
     struct stat status {};
     if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid())
         return false;
-    constexpr mode_t everybodyElse = S_IRWXG | S_IRWXO;
-    return (status.st_mode & everybodyElse) == 0 || chmod(folder.c_str(), S_IRWXU) == 0;
+    constexpr mode_t permissions = 07777;
+    return (status.st_mode & permissions) == S_IRWXU || chmod(folder.c_str(), S_IRWXU) == 0;
 }
 
 } // namespace
 
-std::string fixedToolPath(const std::string& name) {
-    const std::string homebrew = "/opt/homebrew/bin/" + name;
+std::string fixedToolPath(const std::string& name, const std::string& root) {
+    const std::string homebrew = root + "/opt/homebrew/bin/" + name;
 #ifdef Q_OS_MACOS
     return homebrew;
 #else
-    return fileExists(homebrew) ? homebrew : "/usr/bin/" + name;
+    return fileExists(homebrew) ? homebrew : root + "/usr/bin/" + name;
 #endif
 }
 
@@ -80,7 +86,7 @@ Environment Environment::ofThisMachine() {
     const auto homeVariable = processVariable("HOME").value_or("");
     environment.home = homeVariable.empty() ? databaseHome : withoutTrailingSlashes(homeVariable);
     environment.realHomeDir = databaseHome.empty() ? environment.home : databaseHome;
-    environment.systemTemporaryFolder = QDir::tempPath().toStdString();
+    environment.systemTemporaryFolder = temporaryFolderOfTheSystem();
     environment.tools = {fixedToolPath("ffmpeg"), fixedToolPath("ffprobe"), fixedToolPath("python3")};
     environment.resolveScriptLib = fixedResolveScriptLib();
     return environment;

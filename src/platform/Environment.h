@@ -46,7 +46,7 @@ struct Environment {
 };
 
 /// The fixed place of a tool: /opt/homebrew/bin/{name} if that file exists, else on systems that are not macOS
-/// /usr/bin/{name}.
-[[nodiscard]] std::string fixedToolPath(const std::string& name);
+/// /usr/bin/{name}. Both lie under `root`, which is empty but in tests.
+[[nodiscard]] std::string fixedToolPath(const std::string& name, const std::string& root = {});
 
 } // namespace zuvo

@@ -27,11 +27,11 @@ std::optional<std::vector<std::string>> listFolder(const std::string& path) {
     if (error)
         return std::nullopt;
     std::vector<std::string> names;
-    for (; entries != fs::directory_iterator(); entries.increment(error)) {
-        if (error)
-            return std::nullopt;
+    for (; entries != fs::directory_iterator(); entries.increment(error))
         names.push_back(entries->path().filename().string());
-    }
+    // An error ends the list as the last name does.
+    if (error)
+        return std::nullopt;
     return names;
 }
 

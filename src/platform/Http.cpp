@@ -2,8 +2,9 @@
 
 #include <QCoroFuture>
 #include <QIODevice>
-#include <QNetworkReply>
+#include <QNetworkAccessManager>
 #include <QNetworkRequest>
+#include <QPointer>
 #include <QPromise>
 #include <QUrl>
 #include <algorithm>
@@ -62,6 +63,7 @@ QNetworkRequest networkRequest(const HttpRequest& request) {
     QNetworkRequest prepared{QUrl(QString::fromStdString(request.url), QUrl::StrictMode)};
     for (const auto& [name, value] : request.headers)
         prepared.setRawHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+    prepared.setRawHeader("Connection", "close");
     prepared.setHeader(QNetworkRequest::ContentLengthHeader, static_cast<qint64>(request.body.size()));
     prepared.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     prepared.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
@@ -75,10 +77,8 @@ QNetworkRequest networkRequest(const HttpRequest& request) {
     return prepared;
 }
 
-std::string failureText(const QNetworkReply& reply, bool tooLong) {
-    if (tooLong)
-        return "The answer is too long";
-    // Nobody aborts a request but the transfer time-out.
+std::string failureText(const QNetworkReply& reply) {
+    // What is aborted for another reason does not come here.
     if (reply.error() == QNetworkReply::OperationCanceledError)
         return "The request timed out";
     // What the network access says when it would have had to send the body a second time.
@@ -90,8 +90,14 @@ std::string failureText(const QNetworkReply& reply, bool tooLong) {
 
 /// Whether what came is a whole HTTP answer, of whatever status, and not one broken off.
 bool isWholeAnswer(const QNetworkReply& reply) {
-    if (!reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
+    const auto status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (!status.isValid())
         return false;
+    // A redirect that asks for the body once more: nobody sends it, but the network access finds that it could not.
+    constexpr int temporaryRedirect = 307;
+    constexpr int permanentRedirect = 308;
+    if (status.toInt() == temporaryRedirect || status.toInt() == permanentRedirect)
+        return reply.error() == QNetworkReply::NoError || reply.error() == QNetworkReply::ContentReSendError;
     switch (reply.error()) {
     case QNetworkReply::NoError:
     case QNetworkReply::ProxyAuthenticationRequiredError:
@@ -107,15 +113,35 @@ bool isWholeAnswer(const QNetworkReply& reply) {
     }
 }
 
-struct ReplyDeleter {
-    void operator()(QNetworkReply* reply) const { reply->deleteLater(); }
-};
+/// Starts the request. The manager owns the reply, and the reply its body.
+QNetworkReply* send(QNetworkAccessManager& manager, HttpRequest request) {
+    const auto prepared = networkRequest(request);
+    auto* body = new OneWayBody(std::move(request.body));
+    auto* reply = manager.post(prepared, body);
+    body->setParent(reply);
+    return reply;
+}
+
+/// Gives up an answer that grows beyond the limit while it comes in, and says so in `tooLong`, which outlives the
+/// reply.
+void breakOffBeyond(qint64 limit, QNetworkReply* reply, bool& tooLong) {
+    const auto look = [limit, reply, &tooLong](qint64 bytes, qint64 /*total*/) {
+        if (bytes > limit && !tooLong) {
+            tooLong = true;
+            reply->abort();
+        }
+    };
+    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, look);
+}
 
 } // namespace
 
-NetworkHttpClient::NetworkHttpClient(std::unique_ptr<QNetworkAccessManager> manager) : m_manager(std::move(manager)) {}
-
-NetworkHttpClient::~NetworkHttpClient() = default;
+NetworkHttpClient::~NetworkHttpClient() {
+    for (const auto& reply : m_waiting) {
+        if (!reply.isNull())
+            reply->abort();
+    }
+}
 
 QCoro::Task<HttpAnswer> NetworkHttpClient::post(HttpRequest request) {
     HttpAnswer answer;
@@ -123,28 +149,37 @@ QCoro::Task<HttpAnswer> NetworkHttpClient::post(HttpRequest request) {
     if (answer.hasFailed())
         co_return answer;
 
-    const auto prepared = networkRequest(request);
-    OneWayBody body(std::move(request.body));
-    const std::unique_ptr<QNetworkReply, ReplyDeleter> reply(m_manager->post(prepared, &body));
+    // The client may be gone when the answer comes: what is needed then lives in this frame.
+    const QPointer<NetworkHttpClient> client(this);
+    const auto limit = m_answerLimit;
     bool tooLong = false;
+    QNetworkAccessManager manager; // owns the reply
+    auto* reply = send(manager, std::move(request));
+    std::erase_if(m_waiting, [](const QPointer<QNetworkReply>& known) { return known.isNull(); });
+    m_waiting.emplace_back(reply);
+    breakOffBeyond(limit, reply, tooLong);
     QPromise<void> ended;
     ended.start();
-    QObject::connect(reply.get(), &QNetworkReply::finished, reply.get(), [&ended] { ended.finish(); });
-    QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(),
-                     [&tooLong, received = reply.get()](qint64 bytes, qint64 /*total*/) {
-                         if (bytes > httpAnswerLimit && !tooLong) {
-                             tooLong = true;
-                             received->abort();
-                         }
-                     });
+    QObject::connect(reply, &QNetworkReply::finished, reply, [&ended] { ended.finish(); });
     co_await ended.future();
 
-    if (tooLong || !isWholeAnswer(*reply)) {
-        answer.failure = failureText(*reply, tooLong);
+    constexpr auto tooLongWords = "The answer is too long";
+    if (client.isNull())
+        answer.failure = "The program ended the request";
+    else if (tooLong)
+        answer.failure = tooLongWords;
+    else if (!isWholeAnswer(*reply))
+        answer.failure = failureText(*reply);
+    if (answer.hasFailed())
+        co_return answer;
+
+    const auto bytes = reply->read(limit + 1); // what came packed grows only now
+    if (bytes.size() > limit) {
+        answer.failure = tooLongWords;
         co_return answer;
     }
     answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    answer.body = reply->readAll().toStdString();
+    answer.body = bytes.toStdString();
     co_return answer;
 }
 

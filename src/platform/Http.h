@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QCoroTask>
-#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QObject>
+#include <QPointer>
 #include <chrono>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,11 +17,11 @@ struct HttpRequest {
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;
 
-    /// The request fails once nothing has come or gone for that long.
+    /// The request fails once nothing has come or gone for that long. The head of the answer counts as one piece.
     std::chrono::milliseconds timeout{0};
 };
 
-/// A longer answer is a failure of the request.
+/// A longer answer, in bytes, is a failure of the request.
 inline constexpr qint64 httpAnswerLimit = 64LL * 1024 * 1024;
 
 /// Either an HTTP answer of any status, or a failure in words.
@@ -43,18 +43,22 @@ public:
     virtual QCoro::Task<HttpAnswer> post(HttpRequest request) = 0;
 };
 
-/// The platform's network access.
+/// The platform's network access. Each request has a connection of its own: one that was kept may be closed by the
+/// service in the very moment in which the next request goes out, which then fails without having arrived.
 class NetworkHttpClient final : public HttpClient {
     Q_OBJECT
 public:
-    /// Takes over the manager.
-    explicit NetworkHttpClient(std::unique_ptr<QNetworkAccessManager> manager);
+    /// An answer of more than `answerLimit` bytes is a failure.
+    explicit NetworkHttpClient(qint64 answerLimit = httpAnswerLimit) : m_answerLimit(answerLimit) {}
+
+    /// Requests that still wait end with a failure.
     ~NetworkHttpClient() override;
 
     QCoro::Task<HttpAnswer> post(HttpRequest request) override;
 
 private:
-    std::unique_ptr<QNetworkAccessManager> m_manager;
+    qint64 m_answerLimit;
+    std::vector<QPointer<QNetworkReply>> m_waiting;
 };
 
 } // namespace zuvo

@@ -1,17 +1,25 @@
 #include "platform/MineLock.h"
 
 #include <QCryptographicHash>
-#include <QString>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace zuvo {
 
 namespace {
 
-QString lockPath(const std::string& folder, const std::string& home) {
-    const auto hash = QCryptographicHash::hash(QByteArray::fromStdString(home), QCryptographicHash::Sha256).toHex();
+/// One name for a home folder, whatever links and slashes lead to it.
+std::string lockPath(const std::string& folder, const std::string& homeAsGiven) {
+    std::error_code error;
+    const auto resolved = std::filesystem::weakly_canonical(homeAsGiven, error);
+    const auto home = QByteArray::fromStdString(error ? homeAsGiven : resolved.string());
     constexpr int nameLength = 16;
-    return QString::fromStdString(folder) + QStringLiteral("mine-") + QString::fromLatin1(hash.left(nameLength)) +
-           QStringLiteral(".lock");
+    const auto name = QCryptographicHash::hash(home, QCryptographicHash::Sha256).toHex().left(nameLength);
+    return folder + "mine-" + name.toStdString() + ".lock";
 }
 
 } // namespace
@@ -19,16 +27,24 @@ QString lockPath(const std::string& folder, const std::string& home) {
 MineLock::MineLock(const Environment& environment) {
     const auto folder = environment.temporaryFolder();
     if (!folder) {
-        m_refusal =
-            "The folder for temporary files in " + environment.systemTemporaryFolder + " is not this user's own";
+        m_refusal = "The folder for temporary files in " + environment.systemTemporaryFolder +
+                    " cannot be made or is not this user's own";
         return;
     }
-    m_file = std::make_unique<QLockFile>(lockPath(*folder, environment.home));
-    // A mine may take hours: only a holder that is gone makes the lock stale.
-    m_file->setStaleLockTime(0);
-    m_held = m_file->tryLock(0);
-    if (!m_held)
+    const auto path = lockPath(*folder, environment.home);
+    // Closed in children: one that outlives this program must not go on holding the lock.
+    m_file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+    if (m_file >= 0 && flock(m_file, LOCK_EX | LOCK_NB) == 0)
+        return;
+    if (m_file >= 0 && errno == EWOULDBLOCK)
         m_refusal = "Another mine is running under " + environment.home + ". Wait for it to end, then try again.";
+    else
+        m_refusal = "No lock could be made at " + path;
+}
+
+MineLock::~MineLock() {
+    if (m_file >= 0)
+        close(m_file);
 }
 
 } // namespace zuvo

@@ -2,26 +2,26 @@
 
 #include "platform/Environment.h"
 
-#include <QLockFile>
-#include <memory>
 #include <string>
 
 namespace zuvo {
 
 /// Held while a program mines: the cache folder has one set of fixed files, which two mines under one home folder would
-/// overwrite for each other. Let go at destruction, and by the system when the program dies.
+/// overwrite for each other. Let go at destruction, and by the system when the program dies, however it dies.
 class MineLock {
 public:
     explicit MineLock(const Environment& environment);
+    ~MineLock();
+    MineLock(const MineLock&) = delete;
+    MineLock& operator=(const MineLock&) = delete;
 
-    [[nodiscard]] bool isHeld() const { return m_held; }
+    [[nodiscard]] bool isHeld() const { return m_refusal.empty(); }
 
-    /// Why it is not held, for the user.
+    /// Why it is not held, for the user; empty if it is.
     [[nodiscard]] const std::string& refusal() const { return m_refusal; }
 
 private:
-    std::unique_ptr<QLockFile> m_file;
-    bool m_held = false;
+    int m_file = -1; ///< the lock belongs to this open file; the file itself stays, empty
     std::string m_refusal;
 };
 

@@ -19,12 +19,8 @@ std::uint64_t seededHash(const std::string& text) {
 } // namespace
 
 Platform Platform::ofThisMachine() {
-    return {Environment::ofThisMachine(),
-            [] { return QDateTime::currentDateTime(); },
-            randomUuid,
-            seededHash,
-            std::make_shared<ChildProcessRunner>(),
-            std::make_shared<NetworkHttpClient>(std::make_unique<QNetworkAccessManager>())};
+    return {Environment::ofThisMachine(),           [] { return QDateTime::currentDateTime(); }, randomUuid, seededHash,
+            std::make_shared<ChildProcessRunner>(), std::make_shared<NetworkHttpClient>()};
 }
 
 } // namespace zuvo

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <csignal>
 #include <memory>
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
 #include <unistd.h>
 
 namespace zuvo {
@@ -33,13 +36,28 @@ void configure(QProcess& process, const ProcessRequest& request) {
         process.setStandardErrorFile(QString::fromStdString(request.errorFile));
     else if (!request.keepsError)
         process.setStandardErrorFile(QProcess::nullDevice());
-    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    process.setChildProcessModifier([] {
+        ::setpgid(0, 0);
+#ifdef Q_OS_LINUX
+        // In a group of its own it hears nothing of our end, so that a kill or a closed terminal would leave it
+        // running.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+    });
 }
 
 /// Appends what came, up to the limit; the rest is read and dropped, so that the child never waits for us.
 void keep(std::string& text, const QByteArray& bytes) {
     const auto room = keptOutputLimit - std::min(keptOutputLimit, text.size());
     text.append(bytes.constData(), std::min(room, static_cast<std::size_t>(bytes.size())));
+}
+
+/// The child makes its group by itself; until it has come to that, the group would be missed. Whoever is second fails,
+/// which is fine.
+void makeGroup(const QProcess& process) {
+    const auto id = static_cast<pid_t>(process.processId());
+    if (id > 0)
+        ::setpgid(id, id);
 }
 
 void endGroup(const QProcess& process) {
@@ -81,6 +99,7 @@ QCoro::Task<ProcessOutcome> ChildProcessRunner::run(ProcessRequest request) {
     std::erase_if(m_children, [](const QPointer<QProcess>& known) { return known.isNull(); });
     m_children.emplace_back(child);
     child->start(QIODevice::ReadOnly);
+    makeGroup(*child);
     co_await ended.future();
 
     outcome.launched = outcome.launchFailure.empty();

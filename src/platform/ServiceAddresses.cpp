@@ -29,7 +29,8 @@ std::string baseAddress(const Environment& environment, const char* variable, co
 
 bool isPrivateAddress(const QHostAddress& address) {
     using Subnet = std::pair<QHostAddress, int>;
-    static const std::array<Subnet, 6> privateNetworks = {
+    static const std::array<Subnet, 7> privateNetworks = {
+        QHostAddress::parseSubnet(QStringLiteral("127.0.0.0/8")),
         QHostAddress::parseSubnet(QStringLiteral("10.0.0.0/8")),
         QHostAddress::parseSubnet(QStringLiteral("172.16.0.0/12")),
         QHostAddress::parseSubnet(QStringLiteral("192.168.0.0/16")),
@@ -39,7 +40,7 @@ bool isPrivateAddress(const QHostAddress& address) {
     };
     if (address.isNull())
         return false;
-    if (address.isLoopback())
+    if (address == QHostAddress(QHostAddress::LocalHostIPv6))
         return true;
     for (const auto& network : privateNetworks) {
         if (address.protocol() == network.first.protocol() && address.isInSubnet(network))
@@ -48,8 +49,15 @@ bool isPrivateAddress(const QHostAddress& address) {
     return false;
 }
 
-bool isNearHost(const QString& host) {
-    return host == QLatin1String("localhost") || isPrivateAddress(QHostAddress(host));
+/// The host is read from `base`. An IPv4 address must stand there as it is read: "127.1" and "2130706433" are 127.0.0.1
+/// too, but nobody sees it.
+bool isNearHost(const QString& host, const std::string& base) {
+    if (host == QLatin1String("localhost"))
+        return true;
+    const QHostAddress address(host);
+    const bool isPlain = address.protocol() != QAbstractSocket::IPv4Protocol ||
+                         base.find("//" + host.toStdString()) != std::string::npos;
+    return isPlain && isPrivateAddress(address);
 }
 
 ServiceAddress serviceAddress(const std::string& base, const char* variable, const char* path) {
@@ -64,12 +72,12 @@ ServiceAddress serviceAddress(const std::string& base, const char* variable, con
 std::string refusalOfBaseAddress(const std::string& base, const std::string& variable) {
     const QUrl url(QString::fromStdString(base), QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty())
-        return variable + " is no web address: " + base;
-    if (!url.userInfo().isEmpty() || url.hasQuery() || url.hasFragment())
+        return variable + " is no web address"; // not shown: it may hold a password
+    if (url.authority().contains(QLatin1Char('@')) || url.hasQuery() || url.hasFragment())
         return variable + " must be scheme, host, port and path alone";
     if (url.scheme() == QLatin1String("https"))
         return {};
-    if (url.scheme() == QLatin1String("http") && isNearHost(url.host()))
+    if (url.scheme() == QLatin1String("http") && isNearHost(url.host(), base))
         return {};
     return variable + " must be https, or http to this machine or a private network: " + base;
 }

@@ -27,7 +27,7 @@ std::optional<ProbedSource> probedSource(const Json& probeCache, const std::stri
     if (entry == probeCache.end())
         return std::nullopt;
     const auto duration = readNumber(*entry, "duration");
-    if (!duration || !(*duration > longestIgnoredSource))
+    if (!duration)
         return std::nullopt;
     const double start = readNumber(*entry, "startTimecodeSeconds").value_or(0.0);
     return ProbedSource{std::move(name), start, *duration};
@@ -62,6 +62,7 @@ std::vector<ClipMapEntry> clipMapFromProbeCache(const Json& probeCache, const st
         return a.startTimecodeSeconds < b.startTimecodeSeconds;
     });
     std::vector<std::pair<std::string, double>> namesWithDurations;
+    namesWithDurations.reserve(sources.size());
     for (auto& source : sources)
         namesWithDurations.emplace_back(std::move(source.name), source.duration);
     return clipMapFromDurations(namesWithDurations);
@@ -81,6 +82,7 @@ std::vector<ClipMapEntry> clipMapFromDurations(const std::vector<std::pair<std::
 
 std::string clipMapLogLine(const std::vector<ClipMapEntry>& map) {
     std::vector<std::string> entries;
+    entries.reserve(map.size());
     for (const auto& entry : map)
         entries.push_back(fmt::format("{}: {}s–{}s", entry.name, plainText(std::round(entry.start)),
                                       plainText(std::round(entry.end))));

@@ -53,15 +53,15 @@ public:
     /// Times in seconds on the finished cut.
     void write(double start, double end, std::span<const std::string_view> words) {
         const std::vector<std::string> pieces(words.begin(), words.end());
-        text_ += fmt::format("{}\n{} --> {}\n{}\n\n", number_, srtTime(start), srtTime(end), join(pieces, " "));
-        ++number_;
+        m_text += fmt::format("{}\n{} --> {}\n{}\n\n", m_number, srtTime(start), srtTime(end), join(pieces, " "));
+        ++m_number;
     }
 
-    [[nodiscard]] std::string takeText() { return std::move(text_); }
+    [[nodiscard]] std::string takeText() { return std::move(m_text); }
 
 private:
-    std::string text_;
-    std::size_t number_ = 1;
+    std::string m_text;
+    std::size_t m_number = 1;
 };
 
 std::vector<WordTimestamp> wordsWithin(const std::vector<WordTimestamp>& words, double duration) {
@@ -76,32 +76,32 @@ std::vector<WordTimestamp> wordsWithin(const std::vector<WordTimestamp>& words, 
 class WordDispenser {
 public:
     WordDispenser(const Words& words, std::size_t ticks)
-        : words_(words),
-          count_(static_cast<double>(words.size())),
-          ratio_(ticks == 0 ? 1.0 : std::max(1.0, count_ / static_cast<double>(ticks))) {}
+        : m_words(words),
+          m_count(static_cast<double>(words.size())),
+          m_ratio(ticks == 0 ? 1.0 : std::max(1.0, m_count / static_cast<double>(ticks))) {}
 
     void tick(Words& card) {
-        const double next = std::min(count_, position_ + ratio_);
-        const auto low = wordsBefore(position_);
-        const auto high = std::min(wordsBefore(next), words_.size());
+        const double next = std::min(m_count, m_position + m_ratio);
+        const auto low = wordsBefore(m_position);
+        const auto high = std::min(wordsBefore(next), m_words.size());
         for (auto i = low; i < high; ++i)
-            card.push_back(words_[i]);
-        position_ = next;
+            card.push_back(m_words[i]);
+        m_position = next;
     }
 
     /// What no tick has handed out.
     [[nodiscard]] std::span<const std::string_view> rest() const {
-        return std::span(words_).subspan(std::min(wordsBefore(position_), words_.size()));
+        return std::span(m_words).subspan(std::min(wordsBefore(m_position), m_words.size()));
     }
 
 private:
     /// A position is never negative, so its whole part is a number of words.
     static std::size_t wordsBefore(double position) { return static_cast<std::size_t>(truncated(position)); }
 
-    const Words& words_;
-    double count_;
-    double ratio_;
-    double position_ = 0.0; ///< a fractional index into the words
+    const Words& m_words;
+    double m_count;
+    double m_ratio;
+    double m_position = 0.0; ///< a fractional index into the words
 };
 
 /// Whether the pause behind timed word `i`, or the fullness of the card, ends the card there.

@@ -39,7 +39,8 @@ bool matchesByMediaName(const std::string& chunkFileName, const std::set<std::st
 bool matchesByBareName(const std::string& chunkFileName, const std::string& mediaPath) {
     const auto withoutExtension = replaceAll(replaceAll(lastPathComponent(mediaPath), ".WAV", ""), ".wav", "");
     const auto bare = replaceAll(withoutExtension, "-", "_");
-    return contains(chunkFileName, bare) || contains(replaceAll(chunkFileName, "-", "_"), bare);
+    // The bare name holds no hyphen, so a chunk name that contains it as it stands contains it in this form too.
+    return contains(replaceAll(chunkFileName, "-", "_"), bare);
 }
 
 } // namespace

@@ -13,7 +13,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace zuvo::test {
+namespace zuvo::tests {
 
 /// How long a test waits for anything before it fails.
 inline constexpr std::chrono::seconds patience{20};
@@ -97,4 +97,4 @@ T runToEnd(QCoro::Task<T> task, std::chrono::milliseconds limit = patience) {
     return RunningTask<T>(std::move(task)).result(limit);
 }
 
-} // namespace zuvo::test
+} // namespace zuvo::tests

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace zuvo::test {
+namespace zuvo::tests {
 
 namespace {
 
@@ -169,6 +169,7 @@ void RawServer::accept() {
             continue;
         }
         socket->setReadBufferSize(m_bytesAtATime);
+        socket->setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, static_cast<int>(m_bytesAtATime));
         auto* timer = new QTimer(socket);
         QObject::connect(timer, &QTimer::timeout, &m_server, [this, socket, connection] { read(socket, connection); });
         timer->start(m_readPause);
@@ -188,7 +189,7 @@ void RawServer::take(QTcpSocket* socket, int connection, const std::string& byte
         RawRequest request;
         request.connection = connection;
         request.head = pending.substr(0, end + headEnd.size());
-        const auto length = contentLength(request);
+        const auto length = m_actsBeforeBody ? 0 : contentLength(request);
         if (pending.size() < request.head.size() + length)
             return;
         request.body = pending.substr(request.head.size(), length);
@@ -204,4 +205,4 @@ void RawServer::take(QTcpSocket* socket, int connection, const std::string& byte
     }
 }
 
-} // namespace zuvo::test
+} // namespace zuvo::tests

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace zuvo::test {
+namespace zuvo::tests {
 
 /// What arrived of one request, byte for byte.
 struct RawRequest {
@@ -75,6 +75,9 @@ public:
     /// Reads no more than that many bytes at a time, with a pause in between.
     void readSlowly(qint64 bytesAtATime, std::chrono::milliseconds pause);
 
+    /// Acts on a request as soon as its head has come; its body is dropped.
+    void actBeforeBody() { m_actsBeforeBody = true; }
+
     /// Closes every connection, in order.
     void closeConnections();
 
@@ -91,8 +94,9 @@ private:
     std::vector<RawRequest> m_requests;
     int m_connectionCount = 0;
     std::size_t m_receivedBytes = 0;
+    bool m_actsBeforeBody = false;
     qint64 m_bytesAtATime = 0;
     std::chrono::milliseconds m_readPause{0};
 };
 
-} // namespace zuvo::test
+} // namespace zuvo::tests

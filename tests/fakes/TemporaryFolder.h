@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace zuvo::test {
+namespace zuvo::tests {
 
 /// A fresh, empty folder of the test's own, removed with everything in it at destruction.
 class TemporaryFolder {
@@ -60,4 +60,4 @@ private:
     std::string m_path;
 };
 
-} // namespace zuvo::test
+} // namespace zuvo::tests

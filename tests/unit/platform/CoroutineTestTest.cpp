@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 
 using namespace std::chrono_literals;
-using zuvo::test::RunningTask;
-using zuvo::test::runToEnd;
+using zuvo::tests::RunningTask;
+using zuvo::tests::runToEnd;
 
 namespace {
 

@@ -1,0 +1,149 @@
+// What the computing steps of a mine cost, each against the least work that could give its result.
+
+#include "RatioReporter.h"
+
+#include "base/Text.h"
+#include "steps/Energy.h"
+#include "steps/ExportTexts.h"
+#include "steps/TranscriptionFormat.h"
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace zuvo {
+namespace {
+
+constexpr unsigned seed = 20;
+
+std::vector<double> levels(std::size_t count) {
+    std::mt19937 random(seed);
+    std::normal_distribution<double> quiet(-48.0, 4.0);
+    std::normal_distribution<double> loud(-24.0, 3.0);
+    std::vector<double> values(count);
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = i % 3 == 0 ? quiet(random) : loud(random);
+    return values;
+}
+
+Samples noise(std::size_t count) {
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<int> amplitude(-8000, 8000);
+    Samples samples(count);
+    std::generate(samples.begin(), samples.end(), [&] { return static_cast<std::int16_t>(amplitude(random)); });
+    return samples;
+}
+
+std::vector<TranscriptSegment> lines(std::size_t count) {
+    std::vector<TranscriptSegment> result;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto start = static_cast<double>(i) * 4.5;
+        result.push_back({start, start + 4.2, "And that was the winter in which we lost the boat.", "en"});
+    }
+    return result;
+}
+
+// Thresholds: quadratic in the lines by their definition. The baseline is one pass over all values per candidate.
+
+void thresholdsOurs(benchmark::State& state) {
+    const auto values = levels(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(energyThresholds(values));
+}
+BENCHMARK(thresholdsOurs)->Name("thresholds/ours")->Arg(500)->Arg(2000)->Arg(8000)->Unit(benchmark::kMillisecond);
+
+void thresholdsBaseline(benchmark::State& state) {
+    const auto values = levels(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        double total = 0.0;
+        for (std::size_t candidate = 0; candidate < values.size() * 8 / 10; ++candidate) {
+            for (const double value : values)
+                total += value * value;
+            benchmark::DoNotOptimize(total);
+        }
+    }
+}
+BENCHMARK(thresholdsBaseline)
+    ->Name("thresholds/baseline")
+    ->Arg(500)
+    ->Arg(2000)
+    ->Arg(8000)
+    ->Unit(benchmark::kMillisecond);
+
+// Levels of all lines of an hour. The baseline is one sum of squares over the samples.
+
+void energiesOurs(benchmark::State& state) {
+    constexpr std::size_t seconds = 3600;
+    SampleStore store;
+    store["a.wav"] = noise(seconds * levelSampleRate);
+    const std::vector<SourceFile> sources = {{"a.wav", "/a.wav", 0.0, double(seconds), double(seconds)}};
+    const auto transcript = lines(seconds / 5);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(lineEnergies(transcript, sources, store));
+}
+BENCHMARK(energiesOurs)->Name("energies/ours")->Unit(benchmark::kMicrosecond);
+
+void energiesBaseline(benchmark::State& state) {
+    const auto samples = noise(std::size_t{3600} * levelSampleRate);
+    for (auto _ : state) {
+        double squares = 0.0;
+        for (const auto sample : samples)
+            squares += double(sample) * double(sample);
+        benchmark::DoNotOptimize(squares);
+    }
+}
+BENCHMARK(energiesBaseline)->Name("energies/baseline")->Unit(benchmark::kMicrosecond);
+
+// Subtitle cards for a story of many moments. The baseline only joins the same words.
+
+std::vector<StorySegment> story(std::size_t count) {
+    std::vector<StorySegment> segments;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto start = static_cast<double>(i) * 30.0;
+        std::string text;
+        for (int word = 0; word < 40; ++word)
+            text += "word ";
+        segments.push_back({static_cast<std::int64_t>(i), start, start + 20.0, "a.wav", text, text, "Chapter"});
+    }
+    return segments;
+}
+
+std::vector<WordSegment> words(std::size_t count) {
+    std::vector<WordSegment> segments;
+    for (std::size_t i = 0; i < count; ++i) {
+        WordSegment segment{static_cast<std::int64_t>(i), {}};
+        for (int word = 0; word < 40; ++word)
+            segment.words.push_back({"word", word * 0.5, word * 0.5 + 0.4});
+        segments.push_back(std::move(segment));
+    }
+    return segments;
+}
+
+void subtitlesOurs(benchmark::State& state) {
+    const auto count = static_cast<std::size_t>(state.range(0));
+    const auto segments = story(count);
+    const auto timing = words(count);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(subtitlesText(segments, timing));
+}
+BENCHMARK(subtitlesOurs)->Name("subtitles/ours")->Arg(20)->Arg(200)->Unit(benchmark::kMicrosecond);
+
+void subtitlesBaseline(benchmark::State& state) {
+    const auto segments = story(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        std::string text;
+        for (const auto& segment : segments) {
+            for (const auto word : splitAtBlanks(segment.translation))
+                text.append(word).append(" ");
+        }
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(subtitlesBaseline)->Name("subtitles/baseline")->Arg(20)->Arg(200)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+} // namespace zuvo
+
+int main(int argc, char** argv) {
+    return zuvo::runBenchmarks(argc, argv);
+}

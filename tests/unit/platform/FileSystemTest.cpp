@@ -1,0 +1,170 @@
+#include "platform/FileSystem.h"
+
+#include "fakes/TemporaryFolder.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+using namespace zuvo;
+using namespace zuvo::tests;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Optional;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class Files : public testing::Test {
+protected:
+    TemporaryFolder folder;
+};
+
+} // namespace
+
+TEST_F(Files, aFileAndAFolderExistAndALinkToNothingDoesNot) {
+    EXPECT_TRUE(fileExists(folder.write("a", "")));
+    EXPECT_TRUE(fileExists(folder.path()));
+    EXPECT_FALSE(fileExists(folder / "b"));
+    EXPECT_FALSE(fileExists(folder / "a/b"));
+    EXPECT_FALSE(fileExists(""));
+    std::filesystem::create_symlink(folder / "b", folder / "link");
+    EXPECT_FALSE(fileExists(folder / "link"));
+}
+
+TEST_F(Files, foldersAreMadeWithAllAboveThem) {
+    EXPECT_TRUE(createFolders(folder / "a/b ü/c"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b ü/c"));
+    EXPECT_TRUE(createFolders(folder / "a/b ü/c"));
+    EXPECT_TRUE(createFolders(folder / "a/d/"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "a/d"));
+}
+
+TEST_F(Files, aFolderWhereAFileStandsCannotBeMade) {
+    folder.write("file", "x");
+    EXPECT_FALSE(createFolders(folder / "file"));
+    EXPECT_FALSE(createFolders(folder / "file/sub"));
+    EXPECT_FALSE(createFolders(""));
+    EXPECT_EQ(folder.read("file"), "x");
+}
+
+TEST_F(Files, aListingHasNamesOfFilesFoldersAndHiddenOnes) {
+    folder.write("a.txt", "");
+    folder.write(".hidden", "");
+    folder.write("sub/inner", "");
+    EXPECT_THAT(listFolder(folder.path()), Optional(UnorderedElementsAre("a.txt", ".hidden", "sub")));
+}
+
+TEST_F(Files, anEmptyFolderHasAnEmptyListingAndWhatIsNoFolderHasNone) {
+    EXPECT_THAT(listFolder(folder.path()), Optional(IsEmpty()));
+    EXPECT_EQ(listFolder(folder / "missing"), std::nullopt);
+    EXPECT_EQ(listFolder(folder.write("file", "")), std::nullopt);
+}
+
+TEST_F(Files, removingTakesFilesAndWholeFolders) {
+    folder.write("tree/a/b", "x");
+    folder.write("tree/c", "x");
+    EXPECT_TRUE(removeTree(folder / "tree"));
+    EXPECT_FALSE(fileExists(folder / "tree"));
+    EXPECT_TRUE(removeTree(folder.write("file", "")));
+    EXPECT_FALSE(fileExists(folder / "file"));
+}
+
+TEST_F(Files, removingWhatIsNotThereIsNoFailure) {
+    EXPECT_TRUE(removeTree(folder / "missing"));
+}
+
+TEST_F(Files, removingDoesNotFollowLinks) {
+    folder.write("kept/file", "x");
+    folder.write("tree/other", "x");
+    std::filesystem::create_directory_symlink(folder / "kept", folder / "tree/link");
+    std::filesystem::create_directory_symlink(folder / "kept", folder / "link");
+    EXPECT_TRUE(removeTree(folder / "tree"));
+    EXPECT_TRUE(removeTree(folder / "link"));
+    EXPECT_FALSE(std::filesystem::is_symlink(folder / "link"));
+    EXPECT_EQ(folder.read("kept/file"), "x");
+}
+
+TEST_F(Files, whatCannotBeRemovedIsAFailure) {
+    EXPECT_FALSE(removeTree("/proc/self/status"));
+}
+
+TEST_F(Files, aCopyHasTheSameBytes) {
+    const std::string bytes("a\0\xFF\n", 4);
+    EXPECT_TRUE(copyFile(folder.write("from", bytes), folder / "to"));
+    EXPECT_EQ(folder.read("to"), bytes);
+    EXPECT_EQ(folder.read("from"), bytes);
+}
+
+TEST_F(Files, aCopyDoesNotReplaceWhatIsThere) {
+    folder.write("to", "old");
+    EXPECT_FALSE(copyFile(folder.write("from", "new"), folder / "to"));
+    EXPECT_EQ(folder.read("to"), "old");
+}
+
+TEST_F(Files, aCopyOfNothingOrOfAFolderOrIntoNothingFails) {
+    EXPECT_FALSE(copyFile(folder / "missing", folder / "to"));
+    EXPECT_FALSE(copyFile(folder.makeFolder("sub"), folder / "to"));
+    EXPECT_FALSE(copyFile(folder.write("from", "x"), folder / "missing/to"));
+    EXPECT_FALSE(fileExists(folder / "to"));
+}
+
+TEST_F(Files, theSizeOfAFileIsInBytes) {
+    EXPECT_EQ(fileSize(folder.write("ü", "ü")), 2U);
+    EXPECT_EQ(fileSize(folder.write("empty", "")), 0U);
+    EXPECT_EQ(fileSize(folder / "missing"), std::nullopt);
+    EXPECT_EQ(fileSize(folder.path()), std::nullopt);
+}
+
+TEST_F(Files, theTimeOfTheLastChangeHasFractions) {
+    const auto path = folder.write("file", "");
+    const timespec times[2] = {{0, 0}, {1'700'000'000, 250'000'000}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    EXPECT_EQ(modificationTime(path), 1'700'000'000.25);
+    EXPECT_EQ(modificationTime(folder / "missing"), std::nullopt);
+}
+
+TEST_F(Files, samplesAreLittleEndianAndSigned) {
+    const auto path = folder.write("a.raw", std::string("\x01\x00\xFF\xFF\x00\x80\xFF\x7F\x34\x12", 10));
+    EXPECT_THAT(readSamples(path), Optional(ElementsAre(1, -1, -32768, 32767, 0x1234)));
+}
+
+TEST_F(Files, anOddLastByteOfSamplesIsDropped) {
+    EXPECT_THAT(readSamples(folder.write("a.raw", std::string("\x02\x00\x05", 3))), Optional(ElementsAre(2)));
+    EXPECT_THAT(readSamples(folder.write("b.raw", "x")), Optional(IsEmpty()));
+}
+
+TEST_F(Files, anEmptyFileHasNoSamplesAndAMissingOneOrAFolderIsNothing) {
+    EXPECT_THAT(readSamples(folder.write("a.raw", "")), Optional(IsEmpty()));
+    EXPECT_EQ(readSamples(folder / "missing"), std::nullopt);
+    EXPECT_EQ(readSamples(folder.path()), std::nullopt);
+}
+
+TEST_F(Files, aRelativePathIsMadeAbsoluteAgainstTheWorkingFolder) {
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    const auto working = std::filesystem::current_path().string();
+    EXPECT_EQ(absolutePath("a.mov"), working + "/a.mov");
+    EXPECT_EQ(absolutePath("./a/../b ü.mov"), working + "/b ü.mov");
+    EXPECT_EQ(absolutePath("/x/./y/../z.mov"), "/x/z.mov");
+    EXPECT_EQ(absolutePath("/a.mov"), "/a.mov");
+    EXPECT_EQ(absolutePath("/../a.mov"), "/a.mov");
+    std::filesystem::current_path(before);
+}
+
+TEST(FolderWithin, aNameThatStaysAtOrBelowTheRootIsTakenAsWritten) {
+    const std::vector<std::string> inside = {"Interview", "A/B",   "a/../b",   "..x",   "x..",   "...",
+                                             "..x/y",     ".",     "",         "a/..",  "./a",   "/abs",
+                                             "/",         "a b/ü", "a/./b/..", "//abs", "a/..b", "a/b/../../c"};
+    for (const auto& name : inside)
+        EXPECT_EQ(folderWithin("/root", name), "/root/" + name);
+}
+
+TEST(FolderWithin, aNameThatLeadsOutOfTheRootIsNothing) {
+    const std::vector<std::string> outside = {"..",       "../",   "../x",    "a/../..",     "a/../../b",      "./..",
+                                              "/..",      "/../x", "../root", "../../etc/x", "a/b/../../../c", "..//x",
+                                              ".././../x"};
+    for (const auto& name : outside)
+        EXPECT_EQ(folderWithin("/root", name), std::nullopt) << name;
+}

@@ -58,7 +58,7 @@ protected:
                 shown.append(bytes, static_cast<std::size_t>(count));
             return process.state() == QProcess::NotRunning;
         };
-        EXPECT_TRUE(test::waitUntil(read, 60s));
+        EXPECT_TRUE(tests::waitUntil(read, 60s));
         read();
         ::close(terminal);
         return shown;
@@ -229,7 +229,7 @@ TEST_F(CommandLineTest, aSecondMineUnderTheSameHomeIsRefusedWhileOneRuns) {
     world.services.fail(standin::Service::messages,
                         standin::Failure::reply(storyReply({{4.5, 11.5, "Late."}})).after(1500ms));
     const auto first = world.begin({"mine", file});
-    ASSERT_TRUE(test::waitUntil([this] { return messagesRequests() == 1; }));
+    ASSERT_TRUE(tests::waitUntil([this] { return messagesRequests() == 1; }));
     for (const auto& words : {std::vector<std::string>{"mine", file}, {"clear-caches"}}) {
         const auto second = world.zuvo(words);
         EXPECT_EQ(second.status, 1);
@@ -248,7 +248,7 @@ TEST_F(CommandLineTest, aMineThatWasKilledHoldsNobodyUp) {
     const auto file = givenFootage("talk.wav");
     world.services.fail(standin::Service::transcription, standin::Failure::stall(), standin::Occasion::next(1));
     const auto first = world.begin({"mine", file});
-    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    ASSERT_TRUE(tests::waitUntil([this] { return transcriptionRequests() == 1; }));
     first->press(SIGKILL);
     EXPECT_EQ(first->end().status, -1);
     mine({file});

@@ -37,7 +37,7 @@ namespace {
 
 /// One period of the climbing sound, made once in a process: the generator costs more than a copy.
 const std::string& onePeriod() {
-    static const test::TemporaryFolder folder;
+    static const tests::TemporaryFolder folder;
     static const std::string path = [] {
         auto made = folder / "period.wav";
         ffmpeg({"-f", "lavfi", "-i", "aevalsrc='sin(2*PI*300*t)*if(lt(t,2),0.005,if(lt(t,4),0.25,0.5))':s=8000:d=12",

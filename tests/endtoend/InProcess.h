@@ -66,12 +66,12 @@ public:
 
     void mine(const std::vector<std::string>& files, const MineChoices& choices = {}) {
         pipeline = LocalPipeline::create(platform, timeouts);
-        test::runToEnd(pipeline->run(files, choices), std::chrono::seconds(60));
+        tests::runToEnd(pipeline->run(files, choices), std::chrono::seconds(60));
     }
 
     [[nodiscard]] ProbeResult probe(const std::string& file) {
         pipeline = LocalPipeline::create(platform, timeouts);
-        return test::runToEnd(pipeline->probeMediaFile(file)).value_or(ProbeResult());
+        return tests::runToEnd(pipeline->probeMediaFile(file)).value_or(ProbeResult());
     }
 
     [[nodiscard]] PipelineStep step() const { return pipeline->step(); }

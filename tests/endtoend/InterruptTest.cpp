@@ -65,7 +65,7 @@ protected:
         EXPECT_EQ(mkfifo(pipe().c_str(), S_IRUSR | S_IWUSR), 0);
         run = world.begin({"mine", pipe(), "--json"});
         qint64 child = 0;
-        EXPECT_TRUE(test::waitUntil([&] {
+        EXPECT_TRUE(tests::waitUntil([&] {
             child = childOf(run->processId());
             // Between fork and exec the child is not yet in a group of its own.
             return child != 0 && ::getpgid(static_cast<pid_t>(child)) == child;
@@ -78,7 +78,7 @@ protected:
     /// Lets the waiting ffprobe read an empty file.
     void closeThePipe() const {
         int end = -1;
-        EXPECT_TRUE(test::waitUntil([&] { return (end = ::open(pipe().c_str(), O_WRONLY | O_NONBLOCK)) >= 0; }));
+        EXPECT_TRUE(tests::waitUntil([&] { return (end = ::open(pipe().c_str(), O_WRONLY | O_NONBLOCK)) >= 0; }));
         ::close(end);
     }
 
@@ -95,7 +95,7 @@ TEST_F(InterruptTest, aMineInterruptedWhileAServiceWorksEndsWithoutAStory) {
     world.services.fail(standin::Service::transcription,
                         standin::Failure::body(transcriptionAnswer(climbingLines(), {})).after(700ms));
     run = world.begin({"mine", givenFootage("talk.wav")});
-    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    ASSERT_TRUE(tests::waitUntil([this] { return transcriptionRequests() == 1; }));
     run->press(SIGINT);
     ending = run->end();
     thenItEndsWith(130);
@@ -108,7 +108,7 @@ TEST_F(InterruptTest, aMineInterruptedWhileAServiceWorksEndsWithoutAStory) {
 TEST_F(InterruptTest, aRequestToTerminateIsAnInterruptToo) {
     world.services.fail(standin::Service::transcription, standin::Failure::drop().after(700ms));
     run = world.begin({"mine", givenFootage("talk.wav")});
-    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    ASSERT_TRUE(tests::waitUntil([this] { return transcriptionRequests() == 1; }));
     run->press(SIGTERM);
     ending = run->end();
     thenItEndsWith(130);
@@ -121,7 +121,7 @@ TEST_F(InterruptTest, theFirstInterruptLeavesTheRunningToolAlone) {
     EXPECT_NE(::getpgid(static_cast<pid_t>(child)), ::getpgid(static_cast<pid_t>(run->processId())))
         << "what the terminal sends to the program's group does not reach the tool";
     run->press(SIGINT);
-    test::runEventLoop(300ms);
+    tests::runEventLoop(300ms);
     EXPECT_TRUE(isRunning(child));
     EXPECT_FALSE(run->hasEnded());
     closeThePipe();
@@ -135,20 +135,20 @@ TEST_F(InterruptTest, theFirstInterruptLeavesTheRunningToolAlone) {
 TEST_F(InterruptTest, theSecondInterruptEndsProgramAndToolAtOnce) {
     const auto child = givenAChildThatWaits();
     run->press(SIGINT);
-    test::runEventLoop(200ms);
+    tests::runEventLoop(200ms);
     EXPECT_FALSE(run->hasEnded());
     run->press(SIGINT);
     ending = run->end(10s);
     thenItEndsWith(130);
-    EXPECT_TRUE(test::waitUntil([child] { return !isRunning(child); }));
+    EXPECT_TRUE(tests::waitUntil([child] { return !isRunning(child); }));
 }
 
 TEST_F(InterruptTest, theSecondInterruptEndsARunThatWaitsForAService) {
     world.services.fail(standin::Service::transcription, standin::Failure::stall());
     run = world.begin({"mine", givenFootage("talk.wav")});
-    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    ASSERT_TRUE(tests::waitUntil([this] { return transcriptionRequests() == 1; }));
     run->press(SIGINT);
-    test::runEventLoop(200ms);
+    tests::runEventLoop(200ms);
     EXPECT_FALSE(run->hasEnded());
     run->press(SIGINT);
     ending = run->end(10s);
@@ -162,9 +162,9 @@ TEST_F(InterruptTest, anInterruptedMineCanBeStartedAgain) {
     world.services.fail(standin::Service::transcription, standin::Failure::stall(), standin::Occasion::next(1));
     const auto file = givenFootage("talk.wav");
     run = world.begin({"mine", file});
-    ASSERT_TRUE(test::waitUntil([this] { return transcriptionRequests() == 1; }));
+    ASSERT_TRUE(tests::waitUntil([this] { return transcriptionRequests() == 1; }));
     run->press(SIGINT);
-    test::runEventLoop(200ms);
+    tests::runEventLoop(200ms);
     run->press(SIGINT);
     EXPECT_EQ(run->end(10s).status, 130);
     mine({file});

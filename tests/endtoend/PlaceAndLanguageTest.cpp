@@ -22,7 +22,7 @@ struct Harvest {
 class PlaceAndLanguageTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        footage = new test::TemporaryFolder;
+        footage = new tests::TemporaryFolder;
         makeFootage(*footage / "first.wav", 12.34);
         makeFootage(*footage / "second.wav", 12.34);
     }
@@ -42,7 +42,7 @@ protected:
         return harvest(world, ending);
     }
 
-    static inline test::TemporaryFolder* footage = nullptr;
+    static inline tests::TemporaryFolder* footage = nullptr;
 
 private:
     static Harvest harvest(const World& world, const Ending& ending) {

@@ -49,7 +49,7 @@ void Running::press(int signal) const {
 
 Ending Running::end(std::chrono::seconds limit) {
     Ending ending;
-    if (!test::waitUntil([this] { return hasEnded(); }, limit))
+    if (!tests::waitUntil([this] { return hasEnded(); }, limit))
         ending.failure = "The program did not end";
     else if (m_process.exitStatus() != QProcess::NormalExit || m_process.error() == QProcess::FailedToStart)
         ending.failure = m_process.errorString().toStdString();

@@ -59,7 +59,7 @@ public:
     World();
 
     standin::StandIn services;
-    test::TemporaryFolder folder;
+    tests::TemporaryFolder folder;
     QProcessEnvironment environment;
     std::string workingFolder = folder.path(); ///< the program is started in it
 

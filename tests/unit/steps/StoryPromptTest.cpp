@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include "steps/StoryPrompt.h"
 
 #include "support/GoldenFile.h"

@@ -15,6 +15,10 @@ namespace {
 /// Length of one chunk in seconds. The service takes about 25 MB at a time, and this is about 9.6 MB.
 constexpr double chunkSeconds = 300.0;
 
+/// More chunks than this (over three hundred days of sound) are a broken length and no recording. Each would start a
+/// tool, for hours or for ever.
+constexpr std::int64_t mostChunks = 100'000;
+
 /// What a chunk of unknown length counts as.
 constexpr double unknownDuration = 300.0;
 
@@ -77,7 +81,7 @@ QCoro::Task<std::vector<std::string>> LocalPipeline::chunkAudio(std::string path
     const std::vector<std::string> whole(1, path);
     const auto seconds = (co_await measuredDuration(path)).value_or(0.0);
     const auto count = roundedUp(seconds / chunkSeconds);
-    if (seconds == 0.0 || count <= 1)
+    if (count <= 1 || count > mostChunks)
         co_return whole;
 
     std::vector<std::string> chunks;

@@ -76,6 +76,7 @@ QCoro::Task<SampleStore> LocalPipeline::readSources(std::vector<SourceFile> sour
 }
 
 QCoro::Task<std::string> LocalPipeline::detectPrimaryChannel(std::string wavPath) {
+    const auto self = shared_from_this();
     const auto& tools = m_platform.environment.tools;
     std::vector<std::string> channelArgs = {
         "-hide_banner", "-i", wavPath, "-show_entries", "stream=channels", "-of", "default=nw=1:nk=1"};

@@ -145,7 +145,8 @@ public:
     QCoro::Task<std::optional<std::string>> extractAudio(std::vector<std::string> mediaPaths);
     /// Seconds; 300.0 if it cannot be measured, so that later offsets keep advancing.
     QCoro::Task<double> getAudioDuration(std::string path);
-    /// Paths to transcribe, in order, each of at most 300 s unless the audio cannot be cut; never empty.
+    /// Paths to transcribe, in order, each of at most 300 s unless the audio cannot be cut or its length cannot be
+    /// true; never empty.
     QCoro::Task<std::vector<std::string>> chunkAudio(std::string path);
 
     QCoro::Task<std::optional<TranscriptResult>> transcribe(std::vector<std::string> chunks, std::string language);

@@ -145,9 +145,8 @@ std::vector<SavedProject> LocalPipeline::listProjects() const {
 
 void LocalPipeline::deleteProject(const SavedProject& project) {
     const auto folder = folderWithin(projectsDir(), project.timeline);
-    if (!folder || absolutePath(*folder + "/") == absolutePath(projectsDir() + "/"))
-        return;
-    removeTree(*folder);
+    if (folder && liesBelow(projectsDir(), *folder))
+        removeTree(*folder);
 }
 
 std::int64_t LocalPipeline::nextMineVersion(const std::string& folder) const {

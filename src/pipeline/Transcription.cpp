@@ -50,6 +50,7 @@ QCoro::Task<HttpAnswer> LocalPipeline::postAudio(std::string path, std::string l
 }
 
 QCoro::Task<std::optional<WhisperResponse>> LocalPipeline::transcribeChunk(std::string path, std::string language) {
+    const auto self = shared_from_this();
     const auto answer = co_await postAudio(path, language, TimestampGranularity::segment);
     if (answer.hasFailed()) {
         log("  Whisper request failed: " + answer.failure, LogColor::accent);

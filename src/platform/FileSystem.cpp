@@ -94,10 +94,25 @@ std::string absolutePath(const std::string& path) {
 }
 
 std::optional<std::string> folderWithin(const std::string& root, const std::string& name) {
+    if (name.find('\0') != std::string::npos)
+        return std::nullopt;
     const auto relative = fs::path("./" + name).lexically_normal();
     if (!relative.empty() && *relative.begin() == "..")
         return std::nullopt;
     return root + "/" + name;
+}
+
+bool liesBelow(const std::string& root, const std::string& path) {
+    std::error_code error;
+    const auto realRoot = fs::weakly_canonical(root, error);
+    if (error)
+        return false;
+    const auto realPath = fs::weakly_canonical(path, error);
+    if (error)
+        return false;
+    // A "/" at the end leaves an empty last component, which is no step down.
+    const auto down = realPath.lexically_relative(realRoot);
+    return !down.empty() && *down.begin() != ".." && *down.begin() != "." && !down.begin()->empty();
 }
 
 } // namespace zuvo

@@ -39,7 +39,11 @@ bool copyFile(const std::string& from, const std::string& to);
 [[nodiscard]] std::string absolutePath(const std::string& path);
 
 /// The folder `root`/`name` if it lies at or below `root` once "." and ".." are worked out; nothing if ".." leads out
-/// of it. A "/" in the name makes a sub-folder.
+/// of it, or for a name with a zero byte, at which the system would cut it off. A "/" in the name makes a sub-folder.
 [[nodiscard]] std::optional<std::string> folderWithin(const std::string& root, const std::string& name);
+
+/// Whether `path` lies below `root` (and is not `root` itself) once ".", ".." and links are followed; what is missing
+/// of either counts as plain names. False if that cannot be found out.
+[[nodiscard]] bool liesBelow(const std::string& root, const std::string& path);
 
 } // namespace zuvo

@@ -1,0 +1,237 @@
+#include "PipelineFixture.h"
+
+#include <QPointer>
+#include <algorithm>
+
+using namespace zuvo;
+using namespace zuvo::tests;
+
+namespace {
+
+/// Where a run stands once the cancellation has been seen.
+struct Stop {
+    PipelineStep step;
+    std::string lastLine;
+};
+
+// The calls of a mine of the footage, in their order, and where the run ends if it is cancelled inside each.
+const std::vector<Stop> stops = {
+    {PipelineStep::connecting, "[dim]   A.wav: 3:20, TC: none, 48000Hz"},    // 1: ffprobe, A
+    {PipelineStep::connecting, "[green] ✓ Probed 2 files"},                  // 2: ffprobe, B
+    {PipelineStep::extracting, "[muted] Extracting audio from files..."},    // 3: extraction
+    {PipelineStep::chunking, "[muted] Preparing audio chunks..."},           // 4: its length
+    {PipelineStep::chunking, "[muted] Preparing audio chunks..."},           // 5: first cut
+    {PipelineStep::chunking, "[muted] Preparing audio chunks..."},           // 6: second cut
+    {PipelineStep::error, "[accent] ✗ Transcription failed"},                // 7: first chunk
+    {PipelineStep::error, "[accent] ✗ Transcription failed"},                // 8: its length
+    {PipelineStep::transcribing, "[dim]   Transcribing chunk 2/2..."},       // 9: second chunk
+    {PipelineStep::transcribing, "[dim]   Transcribing chunk 2/2..."},       // 10: its length
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 11: channels of A
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 12: samples of A
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 13: samples of B
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 14: the story
+    {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 15: cut of the first moment
+    {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 16: its words
+    {PipelineStep::translating, "[dim]   Word transcribing segment 2/2..."}, // 17: cut of the second
+    {PipelineStep::translating, "[dim]   Word transcribing segment 2/2..."}, // 18: its words
+};
+
+class CancelInsideCall : public PipelineFixture, public testing::WithParamInterface<std::size_t> {};
+
+class Cancel : public PipelineFixture {
+protected:
+    void cancelInside(std::size_t call) {
+        calls->inside = [this, call](std::size_t number) {
+            if (number == call)
+                pipeline->cancel();
+        };
+    }
+};
+
+} // namespace
+
+TEST_P(CancelInsideCall, endsTheRunAtItsNextTest) {
+    const auto footage = givenFootage();
+    givenServicesAnswer();
+    calls->inside = [this](std::size_t number) {
+        if (number == GetParam())
+            pipeline->cancel();
+    };
+    mine(footage);
+    const auto& stop = stops[GetParam() - 1];
+    EXPECT_EQ(pipeline->step(), stop.step);
+    EXPECT_EQ(log().back(), stop.lastLine);
+    // A stage that gave nothing because of the cancellation fails the run; elsewhere it ends without a word.
+    EXPECT_EQ(pipeline->errorMessage().has_value(), stop.step == PipelineStep::error);
+    EXPECT_FALSE(pipeline->results().has_value());
+    EXPECT_FALSE(pipeline->lastExportDir().has_value());
+    EXPECT_LT(pipeline->progress(), 0.85);
+}
+
+TEST_P(CancelInsideCall, directlyFollowedByResetLetsTheRunGoOn) {
+    const auto footage = givenFootage();
+    givenServicesAnswer();
+    calls->inside = [this](std::size_t number) {
+        if (number == GetParam()) {
+            pipeline->cancel();
+            pipeline->reset();
+        }
+    };
+    mine(footage);
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    EXPECT_EQ(log().back(), "[green] ✓ Complete — we found gems!");
+    EXPECT_TRUE(pipeline->results().has_value());
+    // The lines from before the reset are gone.
+    thenLogLacks("$ zuvo mine");
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, CancelInsideCall, testing::Range(std::size_t{1}, stops.size() + 1));
+
+TEST_F(Cancel, theRunHasAsManyCallsAsAreTriedHere) {
+    const auto footage = givenFootage();
+    givenServicesAnswer();
+    mine(footage);
+    EXPECT_EQ(calls->count(), stops.size());
+}
+
+TEST_F(Cancel, betweenTwoFilesLeavesTheProbeFileAndPartOfTheResults) {
+    const auto footage = givenFootage();
+    write(cachePath("probe_results.json"), "from before");
+    cancelInside(1);
+    mine(footage);
+    EXPECT_EQ(read(cachePath("probe_results.json")), "from before");
+    ASSERT_EQ(pipeline->probeResults().size(), 1U);
+    EXPECT_EQ(pipeline->probeResults().begin()->first, "A.wav");
+    EXPECT_EQ(pipeline->progress(), 0.02);
+}
+
+TEST_F(Cancel, aStageThatGivesNothingFailsEvenACancelledRun) {
+    const auto footage = givenFootage();
+    tools->when(writing("extracted_audio.wav"), failed());
+    cancelInside(3);
+    mine(footage);
+    EXPECT_EQ(pipeline->errorMessage(), "Audio extraction failed");
+}
+
+TEST_F(Cancel, anAnalysisThatGivesNothingFailsEvenACancelledRun) {
+    const auto footage = givenFootage();
+    givenTranscription(R"({"start": 0.0, "end": 10.0, "text": "one"})");
+    givenTranscription("");
+    services->thenFails("The request timed out");
+    cancelInside(14);
+    mine(footage);
+    EXPECT_EQ(pipeline->errorMessage(), "Story analysis failed");
+}
+
+TEST_F(Cancel, afterTheLastChunkTheTranscriptIsNotCached) {
+    const auto footage = givenFootage();
+    givenServicesAnswer();
+    cancelInside(10);
+    mine(footage);
+    EXPECT_EQ(pipeline->errorMessage(), std::nullopt);
+    EXPECT_FALSE(exists(cachePath("transcripts")));
+}
+
+TEST_F(Cancel, duringTheWordsKeepsTheOldWordFile) {
+    const auto footage = givenFootage();
+    givenServicesAnswer();
+    write(cachePath("word_timestamps.json"), "from before");
+    cancelInside(16);
+    mine(footage);
+    EXPECT_EQ(read(cachePath("word_timestamps.json")), "from before");
+}
+
+TEST_F(Cancel, theNextRunIsNotCancelled) {
+    const auto footage = givenFootage();
+    cancelInside(2);
+    mine(footage);
+    calls->inside = nullptr;
+    givenServicesAnswer();
+    mine(footage);
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+}
+
+TEST_F(Cancel, whileAProjectIsAnalysedEndsTheRunWithoutAWord) {
+    SavedProject project;
+    project.timeline = "Cut";
+    givenStory(fixtureStory);
+    cancelInside(1);
+    ended(pipeline->runFromProject(project, {}));
+    EXPECT_EQ(pipeline->step(), PipelineStep::analyzing);
+    EXPECT_EQ(pipeline->progress(), 0.5);
+    EXPECT_EQ(pipeline->errorMessage(), std::nullopt);
+    EXPECT_EQ(log().back(), "[dim] 🔑 API key found (anthropic-ke...)");
+}
+
+TEST_F(Cancel, aProjectStopsAfterItsBuild) {
+    SavedProject project;
+    project.timeline = "Cut";
+    givenStory(fixtureStory);
+    QObject::connect(pipeline.get(), &LocalPipeline::buildResultChanged, pipeline.get(),
+                     [this] { pipeline->cancel(); });
+    ended(pipeline->runFromProject(project, {}));
+    EXPECT_EQ(pipeline->step(), PipelineStep::building);
+    EXPECT_EQ(pipeline->progress(), 0.85);
+    // What came before the build stays.
+    EXPECT_TRUE(pipeline->results().has_value());
+    EXPECT_EQ(pipeline->listProjects().size(), 1U);
+}
+
+TEST_F(Cancel, aRunFromFilesHasNoTestBehindItsExports) {
+    const auto footage = givenFootage();
+    givenServicesAnswer();
+    QObject::connect(pipeline.get(), &LocalPipeline::resultsChanged, pipeline.get(), [this] { pipeline->cancel(); });
+    mine(footage);
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+}
+
+TEST_F(Cancel, twoRunsAtOnceWriteToOneStateAndBothEnd) {
+    const auto footage = givenFootage();
+    // One body for whatever is asked: a transcript with one line, and a story without moments.
+    const std::string story =
+        R"({"segments": [], "structure": {"acts": [], "totalDuration": 0}, "subtitles": [], "estimatedDuration": 0})";
+    auto body = messagesAnswer(story);
+    body.insert(1, R"("text": "", "segments": [{"start": 0.0, "end": 1.0, "text": "t"}], )");
+    for (int i = 0; i < 6; ++i)
+        services->then(200, body);
+    RunningTask<void> first(pipeline->run(footage, {}));
+    RunningTask<void> second(pipeline->run(footage, {}));
+    first.result();
+    second.result();
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    const auto lines = log();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "[dim] $ zuvo mine --files 2 --mode full-mine"), 2);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "[green] ✓ Complete — we found gems!"), 2);
+}
+
+TEST_F(Cancel, aPipelineThatEverybodyLetGoOfLivesUntilItsRunEnds) {
+    for (std::size_t call = 1; call <= stops.size(); ++call) {
+        givenNewLaunch(call + 100);
+        const auto footage = givenFootage();
+        givenServicesAnswer();
+        const auto before = calls->count();
+        const QPointer<LocalPipeline> watched = pipeline.get();
+        calls->inside = [this, before, call](std::size_t number) {
+            if (number == before + call)
+                pipeline.reset();
+        };
+        RunningTask<void> run(pipeline->run(footage, {}));
+        run.result();
+        EXPECT_EQ(services->plannedCount(), 0U);
+        EXPECT_TRUE(waitUntil([&] { return watched.isNull(); })) << "let go in call " << call;
+    }
+}
+
+TEST_F(Cancel, aStageUsedAloneKeepsItsPipelineToo) {
+    const auto chunk = disk.write("chunk.wav", "sound");
+    services->then(500, "busy");
+    const QPointer<LocalPipeline> watched = pipeline.get();
+    std::vector<std::string> lines;
+    QObject::connect(pipeline.get(), &LocalPipeline::logAdded, pipeline.get(),
+                     [&lines, watched] { lines.push_back(watched->logs().back().text); });
+    calls->inside = [this](std::size_t) { pipeline.reset(); };
+    RunningTask<std::optional<WhisperResponse>> task(pipeline->transcribeChunk(chunk, "auto"));
+    EXPECT_FALSE(task.result().has_value());
+    EXPECT_EQ(lines, std::vector<std::string>{"  Whisper error: busy"});
+    EXPECT_TRUE(waitUntil([&] { return watched.isNull(); }));
+}

@@ -72,8 +72,8 @@ TEST_F(MissingToolsTest, aLinkInThePlaceOfTheTemporaryFolderIsRefused) {
     ASSERT_EQ(symlink(elsewhere.c_str(), link.c_str()), 0);
     mine({file});
     thenItEndsWith(1);
-    EXPECT_EQ(ending.errors,
-              "zuvo: The folder for temporary files in " + world.temporary() + " is not this user's own\n");
+    EXPECT_EQ(ending.errors, "zuvo: The folder for temporary files in " + world.temporary() +
+                                 " cannot be made or is not this user's own\n");
     EXPECT_TRUE(namesIn(elsewhere).empty());
     EXPECT_TRUE(world.services.requests().empty());
 }

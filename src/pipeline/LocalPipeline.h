@@ -140,7 +140,8 @@ public:
     QCoro::Task<> probeAllMedia(std::vector<std::string> paths);
     QCoro::Task<std::optional<ProbeResult>> probeMediaFile(std::string path);
 
-    QCoro::Task<std::optional<std::vector<std::string>>> getTimelineMedia(std::string timeline);
+    /// Media behind a timeline of the open Resolve project, sorted by path; nothing if it cannot be found.
+    virtual QCoro::Task<std::optional<std::vector<std::string>>> getTimelineMedia(std::string timeline);
     /// Path of one mono 16 kHz WAV of all sources in order, or nothing.
     QCoro::Task<std::optional<std::string>> extractAudio(std::vector<std::string> mediaPaths);
     /// Seconds; 300.0 if it cannot be measured, so that later offsets keep advancing.
@@ -201,6 +202,9 @@ Q_SIGNALS:
     void probeResultsChanged();
     void lastTranscriptChanged();
 
+protected:
+    LocalPipeline(Platform platform, ServiceTimeouts timeouts);
+
 private:
     /// One mine from the first line of its log to the last.
     struct Mine {
@@ -228,8 +232,6 @@ private:
         std::string annotatedTranscript;
     };
 
-    LocalPipeline(Platform platform, ServiceTimeouts timeouts);
-
     void log(std::string text, const char* color = LogColor::muted);
     void fail(std::string message);
     void beginRun();
@@ -251,7 +253,9 @@ private:
     void saveProbeCache();
     [[nodiscard]] std::optional<Json> readProbeCache() const;
 
-    QCoro::Task<HttpAnswer> postAudio(std::string path, std::string language, TimestampGranularity granularity);
+    /// The service's answer to a sound file, or nothing if the file cannot be read.
+    QCoro::Task<std::optional<HttpAnswer>> postAudio(std::string path, std::string language,
+                                                     TimestampGranularity granularity);
     QCoro::Task<EnergyProfile> measureEnergy(TranscriptResult transcript);
     QCoro::Task<std::vector<SourceFile>> findSources();
     QCoro::Task<SampleStore> readSources(std::vector<SourceFile> sources);

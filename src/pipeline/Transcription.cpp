@@ -23,14 +23,12 @@ std::string bearer(const std::string& key) {
 
 } // namespace
 
-/// Sends a file; `path` is known to be readable only once it is read, and an unreadable one gives status 0 without a
-/// failure in words.
-QCoro::Task<HttpAnswer> LocalPipeline::postAudio(std::string path, std::string language,
-                                                 TimestampGranularity granularity) {
-    HttpAnswer answer;
+QCoro::Task<std::optional<HttpAnswer>> LocalPipeline::postAudio(std::string path, std::string language,
+                                                                TimestampGranularity granularity) {
     auto audio = readFile(path);
     if (!audio)
-        co_return answer;
+        co_return std::nullopt;
+    HttpAnswer answer;
     const auto address = transcriptionAddress(m_platform.environment);
     if (address.isRefused()) {
         answer.failure = address.refusal;
@@ -52,18 +50,18 @@ QCoro::Task<HttpAnswer> LocalPipeline::postAudio(std::string path, std::string l
 QCoro::Task<std::optional<WhisperResponse>> LocalPipeline::transcribeChunk(std::string path, std::string language) {
     const auto self = shared_from_this();
     const auto answer = co_await postAudio(path, language, TimestampGranularity::segment);
-    if (answer.hasFailed()) {
-        log("  Whisper request failed: " + answer.failure, LogColor::accent);
+    if (!answer)
+        co_return std::nullopt;
+    if (answer->hasFailed()) {
+        log("  Whisper request failed: " + answer->failure, LogColor::accent);
         co_return std::nullopt;
     }
-    if (answer.status == 0)
-        co_return std::nullopt;
-    if (!answer.isSuccess()) {
-        const auto text = isValidUtf8(answer.body) ? firstCharacters(answer.body, shownErrorCharacters) : "unknown";
+    if (!answer->isSuccess()) {
+        const auto text = isValidUtf8(answer->body) ? firstCharacters(answer->body, shownErrorCharacters) : "unknown";
         log("  Whisper error: " + text, LogColor::accent);
         co_return std::nullopt;
     }
-    auto decoded = decodeTranscription(answer.body);
+    auto decoded = decodeTranscription(answer->body);
     if (!decoded.value)
         log("  Whisper request failed: " + decoded.failure, LogColor::accent);
     co_return decoded.value;

@@ -65,9 +65,9 @@ QCoro::Task<std::vector<WordSegment>> LocalPipeline::wordLevelTranscribe(MiningR
 QCoro::Task<std::optional<std::vector<WhisperWord>>> LocalPipeline::transcribeWithWords(std::string path,
                                                                                         std::string language) {
     const auto answer = co_await postAudio(std::move(path), std::move(language), TimestampGranularity::word);
-    if (!answer.isSuccess())
+    if (!answer || !answer->isSuccess())
         co_return std::nullopt;
-    co_return readTimedWords(answer.body);
+    co_return readTimedWords(answer->body);
 }
 
 void LocalPipeline::cacheWordTimestamps(const std::vector<WordSegment>& segments) {

@@ -96,9 +96,10 @@ protected:
     Platform platform;
     std::shared_ptr<LocalPipeline> pipeline;
 
-private:
+    /// Takes down the changes of step and progress of `pipeline`.
     void watch();
 
+private:
     int m_uuids = 0;
     std::vector<std::string> m_changes;
 };

@@ -1,5 +1,5 @@
-#include <gmock/gmock.h>
 #include "steps/StoryPrompt.h"
+#include <gmock/gmock.h>
 
 #include "support/GoldenFile.h"
 

@@ -1,8 +1,8 @@
 #include "steps/StoryPrompt.h"
-#include <gmock/gmock.h>
 
 #include "support/GoldenFile.h"
 
+#include <gmock/gmock.h>
 #include <limits>
 
 namespace zuvo {

@@ -92,29 +92,29 @@ void send(QTcpSocket* socket, FailureKind kind, const Answer& answer) {
 void CountingTcpServer::incomingConnection(qintptr handle) {
     auto* socket = new QTcpSocket(this);
     socket->setSocketDescriptor(handle);
-    socket->setProperty(connectionNumber, ++connectionCount_);
+    socket->setProperty(connectionNumber, ++m_connectionCount);
     addPendingConnection(socket);
 }
 
-HttpFront::HttpFront(StandIn& owner) : owner_(owner), tcp_(new CountingTcpServer(this)) {}
+HttpFront::HttpFront(StandIn& owner) : m_owner(owner), m_tcp(new CountingTcpServer(this)) {}
 
 bool HttpFront::listenOnLoopback(quint16 port) {
-    if (!tcp_->listen(QHostAddress::LocalHost, port))
+    if (!m_tcp->listen(QHostAddress::LocalHost, port))
         return false;
-    bind(tcp_);
+    bind(m_tcp);
     return true;
 }
 
 bool HttpFront::handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) {
-    owner_.requests_.push_back(record(request, socket->property(connectionNumber).toInt()));
-    const RecordedRequest recorded = owner_.requests_.back();
-    Q_EMIT owner_.requestArrived();
-    const Failure failure = owner_.takeFailure(recorded.service);
+    m_owner.m_requests.push_back(record(request, socket->property(connectionNumber).toInt()));
+    const RecordedRequest recorded = m_owner.m_requests.back();
+    Q_EMIT m_owner.requestArrived();
+    const Failure failure = m_owner.takeFailure(recorded.service);
     // The socket is the timer's context: if the client gives up first, nothing is sent. Even without a delay the answer
     // goes out from the event loop, as the server must not see its socket closed underneath it.
     QTimer::singleShot(
         failure.delay, Qt::PreciseTimer, socket,
-        [socket, kind = failure.kind, answer = owner_.answer(recorded, failure)] { send(socket, kind, answer); });
+        [socket, kind = failure.kind, answer = m_owner.answer(recorded, failure)] { send(socket, kind, answer); });
     return true;
 }
 

@@ -16,13 +16,13 @@ class CountingTcpServer : public QTcpServer {
 
 public:
     using QTcpServer::QTcpServer;
-    [[nodiscard]] int connectionCount() const { return connectionCount_; }
+    [[nodiscard]] int connectionCount() const { return m_connectionCount; }
 
 protected:
     void incomingConnection(qintptr handle) override;
 
 private:
-    int connectionCount_ = 0;
+    int m_connectionCount = 0;
 };
 
 /// The HTTP side: turns what arrives into a RecordedRequest, asks the StandIn, and sends, delays, cuts or drops.
@@ -33,16 +33,16 @@ public:
     explicit HttpFront(StandIn& owner);
 
     [[nodiscard]] bool listenOnLoopback(quint16 port);
-    [[nodiscard]] quint16 port() const { return tcp_->serverPort(); }
-    [[nodiscard]] int connectionCount() const { return tcp_->connectionCount(); }
+    [[nodiscard]] quint16 port() const { return m_tcp->serverPort(); }
+    [[nodiscard]] int connectionCount() const { return m_tcp->connectionCount(); }
 
 protected:
     bool handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) override;
     void missingHandler(const QHttpServerRequest& request, QTcpSocket* socket) override;
 
 private:
-    StandIn& owner_;
-    CountingTcpServer* tcp_; ///< owned by this object as its parent
+    StandIn& m_owner;
+    CountingTcpServer* m_tcp; ///< owned by this object as its parent
 };
 
 } // namespace zuvo::standin

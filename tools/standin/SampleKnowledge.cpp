@@ -61,23 +61,23 @@ std::optional<SampleFile> readFile(const Json& object) {
 /// Sums up to each index, so that mean and deviation of any stretch cost nothing.
 class Sums {
 public:
-    explicit Sums(const std::vector<double>& values) : sum_(values.size() + 1), squares_(values.size() + 1) {
+    explicit Sums(const std::vector<double>& values) : m_sum(values.size() + 1), m_squares(values.size() + 1) {
         for (std::size_t at = 0; at < values.size(); ++at) {
-            sum_[at + 1] = sum_[at] + values[at];
-            squares_[at + 1] = squares_[at] + values[at] * values[at];
+            m_sum[at + 1] = m_sum[at] + values[at];
+            m_squares[at + 1] = m_squares[at] + values[at] * values[at];
         }
     }
     [[nodiscard]] double mean(std::size_t first, std::size_t count) const {
-        return (sum_[first + count] - sum_[first]) / static_cast<double>(count);
+        return (m_sum[first + count] - m_sum[first]) / static_cast<double>(count);
     }
     [[nodiscard]] double variance(std::size_t first, std::size_t count) const {
         const double average = mean(first, count);
-        return (squares_[first + count] - squares_[first]) / static_cast<double>(count) - average * average;
+        return (m_squares[first + count] - m_squares[first]) / static_cast<double>(count) - average * average;
     }
 
 private:
-    std::vector<double> sum_;
-    std::vector<double> squares_;
+    std::vector<double> m_sum;
+    std::vector<double> m_squares;
 };
 
 struct Match {
@@ -89,12 +89,12 @@ struct Match {
 class FileMatcher {
 public:
     FileMatcher(const std::vector<double>& audio, const Sums& audioSums, const std::vector<double>& file)
-        : audio_(audio), audioSums_(audioSums), file_(file), fileSums_(file) {}
+        : m_audio(audio), m_audioSums(audioSums), m_file(file), m_fileSums(file) {}
 
     /// The longest good match. Correlation is weighed with length: a long passage is surer than a short one.
     [[nodiscard]] std::optional<Match> best(std::size_t first, std::size_t last, std::size_t leastOverlap) const {
         std::optional<Match> found;
-        const auto begin = static_cast<std::ptrdiff_t>(first) - static_cast<std::ptrdiff_t>(file_.size());
+        const auto begin = static_cast<std::ptrdiff_t>(first) - static_cast<std::ptrdiff_t>(m_file.size());
         for (std::ptrdiff_t shift = begin; shift < static_cast<std::ptrdiff_t>(last); ++shift) {
             const auto match = at(shift, first, last, leastOverlap);
             if (match && (!found || match->score > found->score))
@@ -106,22 +106,22 @@ public:
 private:
     [[nodiscard]] std::optional<Match> at(std::ptrdiff_t shift, std::size_t first, std::size_t last,
                                           std::size_t leastOverlap) const {
-        const std::ptrdiff_t fileEnd = shift + static_cast<std::ptrdiff_t>(file_.size());
+        const std::ptrdiff_t fileEnd = shift + static_cast<std::ptrdiff_t>(m_file.size());
         const std::size_t begin = std::max(first, static_cast<std::size_t>(std::max<std::ptrdiff_t>(shift, 0)));
         const std::size_t end = std::min(last, static_cast<std::size_t>(std::max<std::ptrdiff_t>(fileEnd, 0)));
         if (begin >= end || end - begin < leastOverlap)
             return std::nullopt;
         const std::size_t count = end - begin;
         const auto inFile = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(begin) - shift);
-        const double audioVariance = audioSums_.variance(begin, count);
-        const double fileVariance = fileSums_.variance(inFile, count);
+        const double audioVariance = m_audioSums.variance(begin, count);
+        const double fileVariance = m_fileSums.variance(inFile, count);
         if (std::min(audioVariance, fileVariance) < leastDeviationDb * leastDeviationDb)
             return std::nullopt;
         double products = 0.0;
         for (std::size_t step = 0; step < count; ++step)
-            products += audio_[begin + step] * file_[inFile + step];
+            products += m_audio[begin + step] * m_file[inFile + step];
         const double covariance =
-            products / static_cast<double>(count) - audioSums_.mean(begin, count) * fileSums_.mean(inFile, count);
+            products / static_cast<double>(count) - m_audioSums.mean(begin, count) * m_fileSums.mean(inFile, count);
         const double correlation = covariance / std::sqrt(audioVariance * fileVariance);
         const double residual = audioVariance + fileVariance - 2.0 * covariance;
         if (correlation < leastCorrelation || residual > largestResidualDb * largestResidualDb)
@@ -129,10 +129,10 @@ private:
         return Match{{begin, end, shift, 0}, correlation * static_cast<double>(count)};
     }
 
-    const std::vector<double>& audio_;
-    const Sums& audioSums_;
-    const std::vector<double>& file_;
-    Sums fileSums_;
+    const std::vector<double>& m_audio;
+    const Sums& m_audioSums;
+    const std::vector<double>& m_file;
+    Sums m_fileSums;
 };
 
 /// Places the best match in [first, last) and looks again at what is left on both sides of it.

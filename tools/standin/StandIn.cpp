@@ -37,17 +37,17 @@ QString StandIn::defaultSampleFolder() {
 
 StandIn::StandIn(const QString& sampleFolder, QObject* parent)
     : QObject(parent),
-      sample_(loadSample(sampleFolder.toStdString()).value_or(SampleKnowledge())),
-      front_(std::make_unique<HttpFront>(*this)) {}
+      m_sample(loadSample(sampleFolder.toStdString()).value_or(SampleKnowledge())),
+      m_front(std::make_unique<HttpFront>(*this)) {}
 
 StandIn::~StandIn() = default;
 
 bool StandIn::listen(quint16 port) {
-    return front_->listenOnLoopback(port);
+    return m_front->listenOnLoopback(port);
 }
 
 quint16 StandIn::port() const {
-    return front_->port();
+    return m_front->port();
 }
 
 QString StandIn::transcriptionBase() const {
@@ -59,27 +59,27 @@ QString StandIn::messagesBase() const {
 }
 
 void StandIn::fail(Service service, const Failure& failure, Occasion occasion) {
-    standing_.push_back({{service, failure, occasion}, 0});
+    m_standing.push_back({{service, failure, occasion}, 0});
 }
 
 void StandIn::failNothing() {
-    standing_.clear();
+    m_standing.clear();
 }
 
 std::vector<RecordedRequest> StandIn::requests(Service service) const {
     std::vector<RecordedRequest> result;
-    std::copy_if(requests_.begin(), requests_.end(), std::back_inserter(result),
+    std::copy_if(m_requests.begin(), m_requests.end(), std::back_inserter(result),
                  [&](const RecordedRequest& request) { return request.service == service; });
     return result;
 }
 
 int StandIn::connectionCount() const {
-    return front_->connectionCount();
+    return m_front->connectionCount();
 }
 
 Failure StandIn::takeFailure(Service service) {
     Failure decided; // no delay: the right answer at once
-    for (Standing& standing : standing_) {
+    for (Standing& standing : m_standing) {
         if (standing.order.service != service)
             continue;
         const int number = standing.seen++;
@@ -114,17 +114,17 @@ Answer StandIn::answer(const RecordedRequest& request, const Failure& failure) c
     case FailureKind::stall:
         return {};
     case FailureKind::truncatedJson: {
-        Answer answer = rightAnswer(request, sample_, {});
+        Answer answer = rightAnswer(request, m_sample, {});
         answer.body.resize(answer.body.size() / 2);
         return answer;
     }
     case FailureKind::replyText:
-        return rightAnswer(request, sample_, failure.text);
+        return rightAnswer(request, m_sample, failure.text);
     case FailureKind::delayOnly:
     case FailureKind::cut:
         break;
     }
-    return rightAnswer(request, sample_, {});
+    return rightAnswer(request, m_sample, {});
 }
 
 } // namespace zuvo::standin

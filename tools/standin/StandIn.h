@@ -28,7 +28,7 @@ public:
     ~StandIn() override;
 
     /// True if the sample's transcript could be read; without it, speech is only found, not known.
-    [[nodiscard]] bool knowsSample() const { return !sample_.files.empty(); }
+    [[nodiscard]] bool knowsSample() const { return !m_sample.files.empty(); }
 
     /// Begins to answer on 127.0.0.1; port 0 takes a free one. False if the port is taken.
     [[nodiscard]] bool listen(quint16 port = 0);
@@ -43,7 +43,7 @@ public:
     void failNothing();
 
     /// All requests so far, in the order in which they had arrived whole; also those that were answered badly or not.
-    [[nodiscard]] const std::vector<RecordedRequest>& requests() const { return requests_; }
+    [[nodiscard]] const std::vector<RecordedRequest>& requests() const { return m_requests; }
     [[nodiscard]] std::vector<RecordedRequest> requests(Service service) const;
     /// Connections opened so far, whether or not a request came over them.
     [[nodiscard]] int connectionCount() const;
@@ -63,10 +63,10 @@ private:
     [[nodiscard]] Failure takeFailure(Service service);
     [[nodiscard]] Answer answer(const RecordedRequest& request, const Failure& failure) const;
 
-    SampleKnowledge sample_;
-    std::unique_ptr<HttpFront> front_;
-    std::vector<RecordedRequest> requests_;
-    std::vector<Standing> standing_;
+    SampleKnowledge m_sample;
+    std::unique_ptr<HttpFront> m_front;
+    std::vector<RecordedRequest> m_requests;
+    std::vector<Standing> m_standing;
 };
 
 } // namespace zuvo::standin

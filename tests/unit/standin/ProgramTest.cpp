@@ -11,23 +11,23 @@ constexpr int patience = 30000; // milliseconds
 class Program : public testing::Test {
 protected:
     void start(const QStringList& arguments) {
-        process_.start(QStringLiteral(ZUVO_STANDIN_PROGRAM), arguments);
-        ASSERT_TRUE(process_.waitForStarted(patience));
+        m_process.start(QStringLiteral(ZUVO_STANDIN_PROGRAM), arguments);
+        ASSERT_TRUE(m_process.waitForStarted(patience));
     }
 
     /// Starts it and reads the two lines it prints when it is ready.
     void startReady(const QStringList& arguments) {
         start(arguments);
-        while (printed_.count('\n') < 2) {
-            ASSERT_TRUE(process_.waitForReadyRead(patience)) << process_.readAllStandardError().toStdString();
-            printed_ += process_.readAllStandardOutput();
+        while (m_printed.count('\n') < 2) {
+            ASSERT_TRUE(m_process.waitForReadyRead(patience)) << m_process.readAllStandardError().toStdString();
+            m_printed += m_process.readAllStandardOutput();
         }
     }
 
     [[nodiscard]] quint16 port() const {
         const QRegularExpression lines(QStringLiteral("^OPENAI_BASE_URL=http://127\\.0\\.0\\.1:(\\d+)/v1\n"
                                                       "ANTHROPIC_BASE_URL=http://127\\.0\\.0\\.1:\\1\n$"));
-        return lines.match(QString::fromUtf8(printed_)).captured(1).toUShort();
+        return lines.match(QString::fromUtf8(m_printed)).captured(1).toUShort();
     }
 
     /// What comes back for a bare request, up to the end of the head.
@@ -44,20 +44,20 @@ protected:
 
     /// Exit status, or -1 if it did not end by itself.
     int finish() {
-        if (!process_.waitForFinished(patience) || process_.exitStatus() != QProcess::NormalExit)
+        if (!m_process.waitForFinished(patience) || m_process.exitStatus() != QProcess::NormalExit)
             return -1;
-        return process_.exitCode();
+        return m_process.exitCode();
     }
 
-    QProcess process_;
-    QByteArray printed_;
+    QProcess m_process;
+    QByteArray m_printed;
 };
 
 TEST_F(Program, printsBothAddressesAndAnswersThere) {
     ASSERT_NO_FATAL_FAILURE(startReady({}));
-    ASSERT_NE(port(), 0) << printed_.toStdString();
+    ASSERT_NE(port(), 0) << m_printed.toStdString();
     EXPECT_TRUE(ask().startsWith("HTTP/1.1 401 "));
-    process_.terminate();
+    m_process.terminate();
     EXPECT_EQ(finish(), 0);
 }
 
@@ -66,13 +66,13 @@ TEST_F(Program, failsAsTold) {
                                         QStringLiteral("--fail"), QStringLiteral("transcription:drop")}));
     EXPECT_TRUE(ask().startsWith("HTTP/1.1 401 "));
     EXPECT_TRUE(ask().startsWith("HTTP/1.1 503 "));
-    process_.terminate();
+    m_process.terminate();
     EXPECT_EQ(finish(), 0);
 }
 
 TEST_F(Program, endsWellWhenInterrupted) {
     ASSERT_NO_FATAL_FAILURE(startReady({}));
-    ASSERT_EQ(kill(static_cast<pid_t>(process_.processId()), SIGINT), 0);
+    ASSERT_EQ(kill(static_cast<pid_t>(m_process.processId()), SIGINT), 0);
     EXPECT_EQ(finish(), 0);
 }
 
@@ -83,7 +83,7 @@ TEST_F(Program, aTakenPortIsAFailureWithAMessage) {
     ASSERT_TRUE(second.waitForFinished(patience));
     EXPECT_EQ(second.exitCode(), 1);
     EXPECT_THAT(second.readAllStandardError().toStdString(), testing::HasSubstr("is taken"));
-    process_.terminate();
+    m_process.terminate();
     EXPECT_EQ(finish(), 0);
 }
 
@@ -96,14 +96,14 @@ TEST_F(Program, wrongUsageEndsWithTwoAndSaysWhy) {
     for (const QStringList& arguments : wrong) {
         start(arguments);
         EXPECT_EQ(finish(), 2) << arguments.join(QLatin1Char(' ')).toStdString();
-        EXPECT_TRUE(process_.readAllStandardError().startsWith("zuvo-standin: "));
+        EXPECT_TRUE(m_process.readAllStandardError().startsWith("zuvo-standin: "));
     }
 }
 
 TEST_F(Program, helpSaysHowToFail) {
     start({QStringLiteral("--help")});
     EXPECT_EQ(finish(), 0);
-    EXPECT_THAT(process_.readAllStandardOutput().toStdString(), testing::HasSubstr("--fail"));
+    EXPECT_THAT(m_process.readAllStandardOutput().toStdString(), testing::HasSubstr("--fail"));
 }
 
 } // namespace

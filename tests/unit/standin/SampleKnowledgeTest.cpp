@@ -17,11 +17,11 @@ constexpr double firstDuration = 63.131; // seconds of the sample's first file, 
 
 class Recognition : public testing::Test {
 protected:
-    Recognition() : sample_(loadSample(StandIn::defaultSampleFolder().toStdString()).value_or(SampleKnowledge())) {}
+    Recognition() : m_sample(loadSample(StandIn::defaultSampleFolder().toStdString()).value_or(SampleKnowledge())) {}
 
     void SetUp() override {
-        ASSERT_EQ(sample_.files.size(), 2U);
-        ASSERT_EQ(truth_.size(), 2U);
+        ASSERT_EQ(m_sample.files.size(), 2U);
+        ASSERT_EQ(m_truth.size(), 2U);
     }
 
     [[nodiscard]] std::vector<HeardWord> wordsIn(const QString& path) const {
@@ -31,7 +31,7 @@ protected:
             ADD_FAILURE() << "ffmpeg wrote no readable WAV";
             return words;
         }
-        for (const HeardLine& line : listen(sample_, *sound))
+        for (const HeardLine& line : listen(m_sample, *sound))
             words.insert(words.end(), line.words.begin(), line.words.end());
         return words;
     }
@@ -39,7 +39,7 @@ protected:
     /// The true words of a file (0 or 1) that lie in [start, end), moved so that `start` becomes `place`.
     [[nodiscard]] std::vector<TrueWord> truthOf(std::size_t file, double start, double end, double place) const {
         std::vector<TrueWord> words;
-        for (const TrueWord& word : truth_[file])
+        for (const TrueWord& word : m_truth[file])
             if (word.start >= start && word.end <= end)
                 words.push_back({word.word, word.start - start + place, word.end - start + place});
         return words;
@@ -54,9 +54,9 @@ protected:
         }
     }
 
-    QTemporaryDir folder_;
-    SampleKnowledge sample_;
-    std::vector<std::vector<TrueWord>> truth_ = trueWords(StandIn::defaultSampleFolder());
+    QTemporaryDir m_folder;
+    SampleKnowledge m_sample;
+    std::vector<std::vector<TrueWord>> m_truth = trueWords(StandIn::defaultSampleFolder());
 };
 
 std::vector<TrueWord> operator+(std::vector<TrueWord> a, const std::vector<TrueWord>& b) {
@@ -65,50 +65,50 @@ std::vector<TrueWord> operator+(std::vector<TrueWord> a, const std::vector<TrueW
 }
 
 TEST_F(Recognition, bothFilesJoinedAreHeardWordForWord) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {1, 2});
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {1, 2});
     expectHeard(wordsIn(joined), truthOf(0, 0, 99, 0) + truthOf(1, 0, 99, firstDuration));
 }
 
 TEST_F(Recognition, theFilesInTheOtherOrderAreHeardInThatOrder) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {2, 1});
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {2, 1});
     constexpr double secondDuration = 65.309;
     expectHeard(wordsIn(joined), truthOf(1, 0, 99, 0) + truthOf(0, 0, 99, secondDuration));
 }
 
 TEST_F(Recognition, oneFileAloneIsHeard) {
-    expectHeard(wordsIn(joinedSample(folder_, StandIn::defaultSampleFolder(), {2})), truthOf(1, 0, 99, 0));
+    expectHeard(wordsIn(joinedSample(m_folder, StandIn::defaultSampleFolder(), {2})), truthOf(1, 0, 99, 0));
 }
 
 TEST_F(Recognition, aCutOfEightSecondsHasItsWordsAndNoOthers) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {1, 2});
-    expectHeard(wordsIn(cut(folder_, joined, 20.0, 8.0)), truthOf(0, 20.0, 28.0, 0));
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {1, 2});
+    expectHeard(wordsIn(cut(m_folder, joined, 20.0, 8.0)), truthOf(0, 20.0, 28.0, 0));
 }
 
 TEST_F(Recognition, aCutAtAnOddPlaceInTheSecondFileHasItsWords) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {1, 2});
-    expectHeard(wordsIn(cut(folder_, joined, firstDuration + 40.607, 9.0)), truthOf(1, 40.607, 49.607, 0));
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {1, 2});
+    expectHeard(wordsIn(cut(m_folder, joined, firstDuration + 40.607, 9.0)), truthOf(1, 40.607, 49.607, 0));
 }
 
 TEST_F(Recognition, aCutAcrossTheJoinHasTheWordsOfBothFiles) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {1, 2});
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {1, 2});
     const double before = firstDuration - 56.5;
-    expectHeard(wordsIn(cut(folder_, joined, 56.5, 17.5)),
+    expectHeard(wordsIn(cut(m_folder, joined, 56.5, 17.5)),
                 truthOf(0, 56.5, 99, 0) + truthOf(1, 0, 17.5 - before, before));
 }
 
 TEST_F(Recognition, aQuieterCopyIsStillTheSample) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {1});
-    const QString quiet = folder_.filePath(QStringLiteral("quiet.wav"));
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {1});
+    const QString quiet = m_folder.filePath(QStringLiteral("quiet.wav"));
     ffmpeg(QStringList{QStringLiteral("-i"), joined, QStringLiteral("-af"), QStringLiteral("volume=-6dB")} +
            toSpeechWav() + QStringList{quiet});
     expectHeard(wordsIn(quiet), truthOf(0, 0, 99, 0));
 }
 
 TEST_F(Recognition, linesKeepTheTranscriptsTextAndSpan) {
-    const QString joined = joinedSample(folder_, StandIn::defaultSampleFolder(), {1});
+    const QString joined = joinedSample(m_folder, StandIn::defaultSampleFolder(), {1});
     const auto sound = readWav(bytesOf(joined));
     ASSERT_TRUE(sound);
-    const std::vector<HeardLine> lines = listen(sample_, *sound);
+    const std::vector<HeardLine> lines = listen(m_sample, *sound);
     ASSERT_EQ(lines.size(), 11U);
     EXPECT_EQ(lines[7].text,
               "A storm took our only boat off the slip, and by morning there was nothing left but a rope.");
@@ -127,7 +127,7 @@ Sound bursts() {
 }
 
 TEST_F(Recognition, otherAudioIsDescribedByWhereSpeechIs) {
-    const std::vector<HeardLine> lines = listen(sample_, bursts());
+    const std::vector<HeardLine> lines = listen(m_sample, bursts());
     ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[0].text, "Speech from 2.0 to 6.0 seconds.");
     EXPECT_EQ(lines[1].text, "Speech from 9.0 to 12.0 seconds.");
@@ -135,11 +135,11 @@ TEST_F(Recognition, otherAudioIsDescribedByWhereSpeechIs) {
 }
 
 TEST_F(Recognition, otherAudioBeforeTheSampleIsDescribedAndTheSampleHeard) {
-    const auto known = readWav(bytesOf(joinedSample(folder_, StandIn::defaultSampleFolder(), {1})));
+    const auto known = readWav(bytesOf(joinedSample(m_folder, StandIn::defaultSampleFolder(), {1})));
     ASSERT_TRUE(known);
     Sound both = bursts();
     both.samples.insert(both.samples.end(), known->samples.begin(), known->samples.end());
-    const std::vector<HeardLine> lines = listen(sample_, both);
+    const std::vector<HeardLine> lines = listen(m_sample, both);
     ASSERT_EQ(lines.size(), 14U);
     EXPECT_EQ(lines[2].text, "Speech from 15.0 to 20.0 seconds.");
     EXPECT_EQ(lines[3].text, "Could you tell us who you are, and where you grew up?");
@@ -147,8 +147,8 @@ TEST_F(Recognition, otherAudioBeforeTheSampleIsDescribedAndTheSampleHeard) {
 }
 
 TEST_F(Recognition, silenceAndNoSoundAtAllHoldNoLine) {
-    EXPECT_THAT(listen(sample_, Sound{16000, std::vector<float>(16000 * 5, 0.0F)}), testing::IsEmpty());
-    EXPECT_THAT(listen(sample_, Sound{16000, {}}), testing::IsEmpty());
+    EXPECT_THAT(listen(m_sample, Sound{16000, std::vector<float>(16000 * 5, 0.0F)}), testing::IsEmpty());
+    EXPECT_THAT(listen(m_sample, Sound{16000, {}}), testing::IsEmpty());
 }
 
 TEST(SampleFolder, withoutAReadableTranscriptIsNoSample) {

@@ -30,14 +30,14 @@ struct Reply {
 class StandInOverSockets : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(standIn_.knowsSample());
-        ASSERT_TRUE(standIn_.listen());
+        ASSERT_TRUE(m_standIn.knowsSample());
+        ASSERT_TRUE(m_standIn.listen());
     }
 
     /// Sends without a second try: a body that cannot be rewound is not repeated by the client.
     Reply send(const QByteArray& verb, QNetworkRequest request, const std::string& body) {
         request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-        QNetworkReply* reply = network_.sendCustomRequest(request, verb, QByteArray::fromStdString(body));
+        QNetworkReply* reply = m_network.sendCustomRequest(request, verb, QByteArray::fromStdString(body));
         QEventLoop loop;
         QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
         QTimer::singleShot(patience, &loop, [&] {
@@ -54,7 +54,7 @@ protected:
     }
 
     Reply tell(const std::string& prompt, const QByteArray& key = "key") {
-        QNetworkRequest request(QUrl(standIn_.messagesBase() + QStringLiteral("/v1/messages")));
+        QNetworkRequest request(QUrl(m_standIn.messagesBase() + QStringLiteral("/v1/messages")));
         request.setRawHeader("x-api-key", key);
         request.setRawHeader("anthropic-version", "2023-06-01");
         request.setRawHeader("content-type", "application/json");
@@ -72,7 +72,7 @@ protected:
                                  "\"timestamp_granularities[]\"\r\n\r\n" + granularity + "\r\n" + open +
                                  "\"file\"; filename=\"a.wav\"\r\nContent-Type: audio/wav\r\n\r\n" + wav + "\r\n--" +
                                  boundary.toStdString() + "--\r\n";
-        QNetworkRequest request(QUrl(standIn_.transcriptionBase() + QStringLiteral("/audio/transcriptions")));
+        QNetworkRequest request(QUrl(m_standIn.transcriptionBase() + QStringLiteral("/audio/transcriptions")));
         request.setRawHeader("Authorization", authorization);
         request.setRawHeader("Content-Type", "multipart/form-data; boundary=" + boundary);
         return send("POST", request, body);
@@ -82,13 +82,13 @@ protected:
         return json::parse(reply.body).at("content").at(0).at("text").get<std::string>();
     }
 
-    StandIn standIn_;
-    QNetworkAccessManager network_;
-    const std::string prompt_ = "Target edit: 1 min (60s)\n[0.0-9.0s] 🔊 We built a boat.\n";
+    StandIn m_standIn;
+    QNetworkAccessManager m_network;
+    const std::string m_prompt = "Target edit: 1 min (60s)\n[0.0-9.0s] 🔊 We built a boat.\n";
 };
 
 TEST_F(StandInOverSockets, tellsAStoryToAPrompt) {
-    const Reply reply = tell(prompt_);
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.error, QNetworkReply::NoError);
     EXPECT_EQ(reply.status, 200);
     EXPECT_EQ(json::parse(storyOf(reply)).at("segments").size(), 1U);
@@ -123,14 +123,14 @@ TEST_F(StandInOverSockets, takesAFileOfSeveralMegabytes) {
     const Reply reply = transcribe(wav);
     ASSERT_EQ(reply.status, 200);
     EXPECT_EQ(json::parse(reply.body).at("segments").size(), 33U);
-    ASSERT_EQ(standIn_.requests().size(), 1U);
-    EXPECT_NE(standIn_.requests()[0].body.find(wav), std::string::npos);
+    ASSERT_EQ(m_standIn.requests().size(), 1U);
+    EXPECT_NE(m_standIn.requests()[0].body.find(wav), std::string::npos);
 }
 
 TEST_F(StandInOverSockets, keepsWhatItWasSent) {
-    tell(prompt_, "made-up-key");
-    ASSERT_EQ(standIn_.requests().size(), 1U);
-    const RecordedRequest& request = standIn_.requests()[0];
+    tell(m_prompt, "made-up-key");
+    ASSERT_EQ(m_standIn.requests().size(), 1U);
+    const RecordedRequest& request = m_standIn.requests()[0];
     EXPECT_EQ(request.service, Service::messages);
     EXPECT_EQ(request.method, "POST");
     EXPECT_EQ(request.path, "/v1/messages");
@@ -143,124 +143,124 @@ TEST_F(StandInOverSockets, keepsWhatItWasSent) {
 
 TEST_F(StandInOverSockets, countsConnectionsApartFromRequests) {
     QTcpSocket silent;
-    silent.connectToHost(QHostAddress::LocalHost, standIn_.port());
+    silent.connectToHost(QHostAddress::LocalHost, m_standIn.port());
     ASSERT_TRUE(silent.waitForConnected(5000));
-    tell(prompt_);
-    tell(prompt_);
-    EXPECT_EQ(standIn_.connectionCount(), 2); // the client's second request came over its first connection
-    EXPECT_EQ(standIn_.requests(Service::messages).size(), 2U);
-    EXPECT_EQ(standIn_.requests()[1].connection, standIn_.requests()[0].connection);
+    tell(m_prompt);
+    tell(m_prompt);
+    EXPECT_EQ(m_standIn.connectionCount(), 2); // the client's second request came over its first connection
+    EXPECT_EQ(m_standIn.requests(Service::messages).size(), 2U);
+    EXPECT_EQ(m_standIn.requests()[1].connection, m_standIn.requests()[0].connection);
 }
 
 TEST_F(StandInOverSockets, listensOnLoopbackAloneAndOncePerPort) {
-    EXPECT_TRUE(standIn_.messagesBase().startsWith(QStringLiteral("http://127.0.0.1:")));
+    EXPECT_TRUE(m_standIn.messagesBase().startsWith(QStringLiteral("http://127.0.0.1:")));
     StandIn second;
-    EXPECT_FALSE(second.listen(standIn_.port()));
+    EXPECT_FALSE(second.listen(m_standIn.port()));
 }
 
 TEST_F(StandInOverSockets, anUnknownPathIsNotFoundAndKept) {
-    const Reply reply = send("POST", QNetworkRequest(QUrl(standIn_.messagesBase() + QStringLiteral("/v2/x?y=1"))), "");
+    const Reply reply = send("POST", QNetworkRequest(QUrl(m_standIn.messagesBase() + QStringLiteral("/v2/x?y=1"))), "");
     EXPECT_EQ(reply.status, 404);
-    ASSERT_EQ(standIn_.requests().size(), 1U);
-    EXPECT_EQ(standIn_.requests()[0].service, Service::none);
-    EXPECT_EQ(standIn_.requests()[0].path, "/v2/x?y=1");
+    ASSERT_EQ(m_standIn.requests().size(), 1U);
+    EXPECT_EQ(m_standIn.requests()[0].service, Service::none);
+    EXPECT_EQ(m_standIn.requests()[0].path, "/v2/x?y=1");
 }
 
 TEST_F(StandInOverSockets, anotherMethodIsNotAllowed) {
-    EXPECT_EQ(send("GET", QNetworkRequest(QUrl(standIn_.messagesBase() + QStringLiteral("/v1/messages"))), "").status,
+    EXPECT_EQ(send("GET", QNetworkRequest(QUrl(m_standIn.messagesBase() + QStringLiteral("/v1/messages"))), "").status,
               405);
     EXPECT_EQ(
-        send("GET", QNetworkRequest(QUrl(standIn_.transcriptionBase() + QStringLiteral("/audio/transcriptions"))), "")
+        send("GET", QNetworkRequest(QUrl(m_standIn.transcriptionBase() + QStringLiteral("/audio/transcriptions"))), "")
             .status,
         405);
 }
 
 TEST_F(StandInOverSockets, anEmptyKeyIsUnauthorised) {
-    EXPECT_EQ(tell(prompt_, "").status, 401);
+    EXPECT_EQ(tell(m_prompt, "").status, 401);
     EXPECT_EQ(transcribe("", "segment", "Bearer ").status, 401);
 }
 
 TEST_F(StandInOverSockets, failsWithAStatusAndABodyOfTheTests) {
-    standIn_.fail(Service::messages, Failure::status(529, "Overloaded"));
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::status(529, "Overloaded"));
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.status, 529);
     EXPECT_EQ(reply.body, "Overloaded");
 }
 
 TEST_F(StandInOverSockets, failsWithAStatusAndAnErrorObject) {
-    standIn_.fail(Service::transcription, Failure::status(429));
+    m_standIn.fail(Service::transcription, Failure::status(429));
     const Reply reply = transcribe("");
     EXPECT_EQ(reply.status, 429);
     EXPECT_TRUE(json::parse(reply.body).at("error").at("message").is_string());
 }
 
 TEST_F(StandInOverSockets, onlyTheSecondRequestOfThatServiceFails) {
-    standIn_.fail(Service::messages, Failure::status(500), Occasion::only(2));
-    EXPECT_EQ(tell(prompt_).status, 200);
+    m_standIn.fail(Service::messages, Failure::status(500), Occasion::only(2));
+    EXPECT_EQ(tell(m_prompt).status, 200);
     EXPECT_EQ(transcribe("").status, 400); // another service's requests do not count
-    EXPECT_EQ(tell(prompt_).status, 500);
-    EXPECT_EQ(tell(prompt_).status, 200);
+    EXPECT_EQ(tell(m_prompt).status, 500);
+    EXPECT_EQ(tell(m_prompt).status, 200);
 }
 
 TEST_F(StandInOverSockets, failsFromANumberOnUntilToldOtherwise) {
-    standIn_.fail(Service::messages, Failure::status(500), Occasion::from(2));
-    EXPECT_EQ(tell(prompt_).status, 200);
-    EXPECT_EQ(tell(prompt_).status, 500);
-    EXPECT_EQ(tell(prompt_).status, 500);
-    standIn_.failNothing();
-    EXPECT_EQ(tell(prompt_).status, 200);
+    m_standIn.fail(Service::messages, Failure::status(500), Occasion::from(2));
+    EXPECT_EQ(tell(m_prompt).status, 200);
+    EXPECT_EQ(tell(m_prompt).status, 500);
+    EXPECT_EQ(tell(m_prompt).status, 500);
+    m_standIn.failNothing();
+    EXPECT_EQ(tell(m_prompt).status, 200);
 }
 
 TEST_F(StandInOverSockets, theLatestOrderThatCoversARequestDecides) {
-    standIn_.fail(Service::messages, Failure::status(500));
-    standIn_.fail(Service::messages, Failure::status(503), Occasion::next(1));
-    EXPECT_EQ(tell(prompt_).status, 503);
-    EXPECT_EQ(tell(prompt_).status, 500);
+    m_standIn.fail(Service::messages, Failure::status(500));
+    m_standIn.fail(Service::messages, Failure::status(503), Occasion::next(1));
+    EXPECT_EQ(tell(m_prompt).status, 503);
+    EXPECT_EQ(tell(m_prompt).status, 500);
 }
 
 TEST_F(StandInOverSockets, anAnswerCanBeLate) {
-    standIn_.fail(Service::messages, Failure::late(300ms));
+    m_standIn.fail(Service::messages, Failure::late(300ms));
     QElapsedTimer clock;
     clock.start();
-    EXPECT_EQ(tell(prompt_).status, 200);
+    EXPECT_EQ(tell(m_prompt).status, 200);
     EXPECT_GE(clock.elapsed(), 300);
 }
 
 TEST_F(StandInOverSockets, aClientThatGivesUpDuringTheDelayDoesNoHarm) {
-    standIn_.fail(Service::messages, Failure::late(100ms), Occasion::next(1));
+    m_standIn.fail(Service::messages, Failure::late(100ms), Occasion::next(1));
     QTcpSocket client;
-    client.connectToHost(QHostAddress::LocalHost, standIn_.port());
+    client.connectToHost(QHostAddress::LocalHost, m_standIn.port());
     ASSERT_TRUE(client.waitForConnected(5000));
     client.write("POST /v1/messages HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n");
     QEventLoop arrival;
-    QObject::connect(&standIn_, &StandIn::requestArrived, &arrival, &QEventLoop::quit);
+    QObject::connect(&m_standIn, &StandIn::requestArrived, &arrival, &QEventLoop::quit);
     QTimer::singleShot(patience, &arrival, &QEventLoop::quit);
     arrival.exec();
     client.abort();
     QEventLoop wait;
     QTimer::singleShot(200ms, &wait, &QEventLoop::quit);
     wait.exec();
-    EXPECT_EQ(standIn_.requests().size(), 1U);
-    EXPECT_EQ(tell(prompt_).status, 200);
+    EXPECT_EQ(m_standIn.requests().size(), 1U);
+    EXPECT_EQ(tell(m_prompt).status, 200);
 }
 
 TEST_F(StandInOverSockets, aBodyCanBeNoJson) {
-    standIn_.fail(Service::messages, Failure::notJson());
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::notJson());
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.status, 200);
     EXPECT_FALSE(json::accept(reply.body));
 }
 
 TEST_F(StandInOverSockets, aBodyCanBeJsonOfAnotherShape) {
-    standIn_.fail(Service::messages, Failure::wrongShape());
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::wrongShape());
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.status, 200);
     EXPECT_FALSE(json::parse(reply.body).contains("content"));
 }
 
 TEST_F(StandInOverSockets, aBodyCanEndInTheMiddleOfItsJson) {
-    standIn_.fail(Service::messages, Failure::truncatedJson());
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::truncatedJson());
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.error, QNetworkReply::NoError);
     EXPECT_EQ(reply.status, 200);
     EXPECT_FALSE(json::accept(reply.body));
@@ -268,66 +268,66 @@ TEST_F(StandInOverSockets, aBodyCanEndInTheMiddleOfItsJson) {
 }
 
 TEST_F(StandInOverSockets, aBodyCanBeGivenWhole) {
-    standIn_.fail(Service::transcription, Failure::body("{\"text\":\"x\",\"segments\":[]}"));
+    m_standIn.fail(Service::transcription, Failure::body("{\"text\":\"x\",\"segments\":[]}"));
     const Reply reply = transcribe("");
     EXPECT_EQ(reply.status, 200);
     EXPECT_EQ(reply.body, "{\"text\":\"x\",\"segments\":[]}");
 }
 
 TEST_F(StandInOverSockets, aReplyTextCanBeGiven) {
-    standIn_.fail(Service::messages, Failure::reply("Sure!\n```json\n{\"segments\":[]}\n```"));
+    m_standIn.fail(Service::messages, Failure::reply("Sure!\n```json\n{\"segments\":[]}\n```"));
     EXPECT_EQ(storyOf(tell("anything")), "Sure!\n```json\n{\"segments\":[]}\n```");
 }
 
 TEST_F(StandInOverSockets, aConnectionCanBeDroppedBeforeAnyByte) {
-    standIn_.fail(Service::messages, Failure::drop());
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::drop());
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.error, QNetworkReply::RemoteHostClosedError);
     EXPECT_EQ(reply.status, 0);
     EXPECT_EQ(reply.body, "");
 }
 
 TEST_F(StandInOverSockets, aConnectionCanBeCutInTheMiddleOfTheBody) {
-    standIn_.fail(Service::messages, Failure::cut());
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::cut());
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.error, QNetworkReply::RemoteHostClosedError);
     EXPECT_EQ(reply.status, 200);
     EXPECT_FALSE(json::accept(reply.body));
 }
 
 TEST_F(StandInOverSockets, aStalledAnswerNeverComes) {
-    standIn_.fail(Service::messages, Failure::stall());
+    m_standIn.fail(Service::messages, Failure::stall());
     QTcpSocket client;
-    client.connectToHost(QHostAddress::LocalHost, standIn_.port());
+    client.connectToHost(QHostAddress::LocalHost, m_standIn.port());
     ASSERT_TRUE(client.waitForConnected(5000));
     client.write("POST /v1/messages HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n");
     QEventLoop wait;
     QTimer::singleShot(500ms, &wait, &QEventLoop::quit);
     wait.exec();
-    EXPECT_EQ(standIn_.requests().size(), 1U);
+    EXPECT_EQ(m_standIn.requests().size(), 1U);
     EXPECT_EQ(client.bytesAvailable(), 0);
     EXPECT_EQ(client.state(), QAbstractSocket::ConnectedState);
 }
 
 TEST_F(StandInOverSockets, aRedirectNamesItsPlace) {
-    standIn_.fail(Service::messages, Failure::redirect("http://127.0.0.1:1/elsewhere"));
-    const Reply reply = tell(prompt_);
+    m_standIn.fail(Service::messages, Failure::redirect("http://127.0.0.1:1/elsewhere"));
+    const Reply reply = tell(m_prompt);
     EXPECT_EQ(reply.status, 302);
     EXPECT_EQ(reply.location, "http://127.0.0.1:1/elsewhere");
 }
 
 TEST_F(StandInOverSockets, anUnauthorisedAnswerCarriesAChallenge) {
-    standIn_.fail(Service::transcription, Failure::unauthorized());
+    m_standIn.fail(Service::transcription, Failure::unauthorized());
     const Reply reply = transcribe("");
     EXPECT_EQ(reply.status, 401);
     EXPECT_EQ(reply.challenge, "Basic realm=\"stand-in\"");
 }
 
 TEST_F(StandInOverSockets, everyFailureCanBeLate) {
-    standIn_.fail(Service::messages, Failure::status(500).after(200ms));
+    m_standIn.fail(Service::messages, Failure::status(500).after(200ms));
     QElapsedTimer clock;
     clock.start();
-    EXPECT_EQ(tell(prompt_).status, 500);
+    EXPECT_EQ(tell(m_prompt).status, 500);
     EXPECT_GE(clock.elapsed(), 200);
 }
 

@@ -14,11 +14,9 @@ namespace {
 // Runs that start from what an earlier one paid for: its transcript, or the whole saved project.
 class CachedRun : public PipelineFixture {
 protected:
-    std::vector<std::string> givenAFinishedMine() {
-        auto footage = givenFootage();
-        givenServicesAnswer();
-        mine(footage);
-        EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    /// What is left of a finished mine once the page has been reset.
+    std::vector<std::string> givenAnEarlierMine() {
+        auto footage = givenAFinishedMine();
         pipeline->reset();
         (void)takeChanges();
         tools->requests.clear();
@@ -42,7 +40,7 @@ protected:
 } // namespace
 
 TEST_F(CachedRun, aHitSkipsExtractionChunkingAndTranscription) {
-    const auto footage = givenAFinishedMine();
+    const auto footage = givenAnEarlierMine();
     givenStoryAndWords();
     mine(footage);
     EXPECT_THAT(takeChanges(),
@@ -56,7 +54,7 @@ TEST_F(CachedRun, aHitSkipsExtractionChunkingAndTranscription) {
 }
 
 TEST_F(CachedRun, theOrderOfThePathsDoesNotMatter) {
-    auto footage = givenAFinishedMine();
+    auto footage = givenAnEarlierMine();
     std::reverse(footage.begin(), footage.end());
     givenStoryAndWords();
     mine(footage);
@@ -64,7 +62,7 @@ TEST_F(CachedRun, theOrderOfThePathsDoesNotMatter) {
 }
 
 TEST_F(CachedRun, otherMediaMiss) {
-    const auto footage = givenAFinishedMine();
+    const auto footage = givenAnEarlierMine();
     givenTranscription(R"({"start": 0.0, "end": 10.0, "text": "one"})");
     givenTranscription("");
     givenStoryAndWords();
@@ -74,7 +72,7 @@ TEST_F(CachedRun, otherMediaMiss) {
 }
 
 TEST_F(CachedRun, aNewStartOfTheProgramMisses) {
-    const auto footage = givenAFinishedMine();
+    const auto footage = givenAnEarlierMine();
     givenNewLaunch(2);
     givenServicesAnswer();
     mine(footage);
@@ -83,7 +81,7 @@ TEST_F(CachedRun, aNewStartOfTheProgramMisses) {
 }
 
 TEST_F(CachedRun, theModelIsToldTheLanguageThatTheUserChoseNotTheCachedOne) {
-    const auto footage = givenAFinishedMine();
+    const auto footage = givenAnEarlierMine();
     givenStoryAndWords();
     MineChoices choices;
     choices.language = "fr";
@@ -94,7 +92,7 @@ TEST_F(CachedRun, theModelIsToldTheLanguageThatTheUserChoseNotTheCachedOne) {
 }
 
 TEST_F(CachedRun, withAutomaticLanguageTheModelIsToldTheTranscriptsOwn) {
-    const auto footage = givenAFinishedMine();
+    const auto footage = givenAnEarlierMine();
     givenStoryAndWords();
     mine(footage);
     ASSERT_EQ(services->requests.size(), 3U);
@@ -103,7 +101,7 @@ TEST_F(CachedRun, withAutomaticLanguageTheModelIsToldTheTranscriptsOwn) {
 }
 
 TEST_F(CachedRun, aHitStillProbesForTheLaterStages) {
-    const auto footage = givenAFinishedMine();
+    const auto footage = givenAnEarlierMine();
     givenStoryAndWords();
     mine(footage);
     EXPECT_EQ(commands().front(), "ffprobe|-v|quiet|-print_format|json|-show_format|-show_streams|{footage}/A.wav");
@@ -121,7 +119,7 @@ TEST_F(CachedRun, aTranscriptWithoutLinesIsAHit) {
 }
 
 TEST_F(CachedRun, aProjectToldAnewReadsLineByLine) {
-    givenAFinishedMine();
+    givenAnEarlierMine();
     const auto project = theProject();
     givenStoryAndWords();
     StoryChoices choices;
@@ -150,7 +148,7 @@ TEST_F(CachedRun, aProjectToldAnewReadsLineByLine) {
 }
 
 TEST_F(CachedRun, aProjectWhoseBuildFailedIsCompleteAllTheSame) {
-    givenAFinishedMine();
+    givenAnEarlierMine();
     const auto project = theProject();
     givenStoryAndWords();
     ended(pipeline->runFromProject(project, {}));
@@ -159,7 +157,7 @@ TEST_F(CachedRun, aProjectWhoseBuildFailedIsCompleteAllTheSame) {
 }
 
 TEST_F(CachedRun, minutesPresetAndNotesOfAProjectComeFromTheCaller) {
-    givenAFinishedMine();
+    givenAnEarlierMine();
     auto project = theProject();
     project.targetMinutes = 5.0;
     project.presetId = "campfire";
@@ -180,7 +178,7 @@ TEST_F(CachedRun, minutesPresetAndNotesOfAProjectComeFromTheCaller) {
 }
 
 TEST_F(CachedRun, theLanguageOfAProjectIsItsOwn) {
-    givenAFinishedMine();
+    givenAnEarlierMine();
     auto project = theProject();
     project.language = "es";
     givenStoryAndWords();
@@ -190,7 +188,7 @@ TEST_F(CachedRun, theLanguageOfAProjectIsItsOwn) {
 }
 
 TEST_F(CachedRun, eachNewStyleMakesANewVersion) {
-    givenAFinishedMine();
+    givenAnEarlierMine();
     const auto project = theProject();
     for (int i = 0; i < 2; ++i) {
         givenStoryAndWords();

@@ -108,6 +108,15 @@ void PipelineFixture::givenWords(const std::string& words) {
     services->then(200, R"({"text": "", "words": [)" + words + "]}");
 }
 
+std::vector<std::string> PipelineFixture::givenAFinishedMine() {
+    auto footage = givenFootage();
+    givenServicesAnswer();
+    mine(footage);
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    (void)takeChanges();
+    return footage;
+}
+
 void PipelineFixture::givenExtractedAudio() {
     write(cachePath("extracted_audio.wav"), "sound");
 }
@@ -187,6 +196,17 @@ void PipelineFixture::write(const std::string& path, const std::string& bytes) {
 
 void PipelineFixture::makeFolder(const std::string& path) {
     std::filesystem::create_directories(path);
+}
+
+std::string uploadBody(const std::string& granularity, const std::string& language, const std::string& fileName,
+                       const std::string& sound) {
+    const auto field = [](const std::string& name, const std::string& value) {
+        return "--UUID-1\r\nContent-Disposition: form-data; name=\"" + name + "\"\r\n\r\n" + value + "\r\n";
+    };
+    return field("model", "whisper-1") + field("response_format", "verbose_json") +
+           field("timestamp_granularities[]", granularity) + field("language", language) +
+           "--UUID-1\r\nContent-Disposition: form-data; name=\"file\"; filename=\"" + fileName +
+           "\"\r\nContent-Type: audio/wav\r\n\r\n" + sound + "\r\n--UUID-1--\r\n";
 }
 
 std::string messagesAnswer(const std::string& replyText) {

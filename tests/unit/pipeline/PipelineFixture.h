@@ -36,6 +36,9 @@ protected:
     void givenStory(const std::string& story);
     void givenWords(const std::string& words);
 
+    /// A finished mine of the footage; what the pages saw of it is taken down. Gives the two paths.
+    std::vector<std::string> givenAFinishedMine();
+
     /// A finished extraction in the cache folder.
     void givenExtractedAudio();
 
@@ -103,6 +106,10 @@ private:
     int m_uuids = 0;
     std::vector<std::string> m_changes;
 };
+
+/// The body of an upload of "sound" by the rules of the transcription service, with the first UUID as its boundary.
+[[nodiscard]] std::string uploadBody(const std::string& granularity, const std::string& language,
+                                     const std::string& fileName, const std::string& sound);
 
 /// The messages service's answer around a reply text.
 [[nodiscard]] std::string messagesAnswer(const std::string& replyText);

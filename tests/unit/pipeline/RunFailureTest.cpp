@@ -10,16 +10,6 @@ namespace {
 
 class RunFailure : public PipelineFixture {
 protected:
-    /// A finished mine of the footage, whose state a later failure must not touch.
-    std::vector<std::string> givenAFinishedMine() {
-        auto footage = givenFootage();
-        givenServicesAnswer();
-        mine(footage);
-        EXPECT_EQ(pipeline->step(), PipelineStep::complete);
-        (void)takeChanges();
-        return footage;
-    }
-
     void thenTheMineBeforeSurvives() const {
         ASSERT_TRUE(pipeline->results());
         EXPECT_EQ(pipeline->results()->segments.size(), 2U);

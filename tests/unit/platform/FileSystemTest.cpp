@@ -168,3 +168,17 @@ TEST(FolderWithin, aNameThatLeadsOutOfTheRootIsNothing) {
     for (const auto& name : outside)
         EXPECT_EQ(folderWithin("/root", name), std::nullopt) << name;
 }
+
+TEST_F(Files, whatLiesBelowAFolderIsFoundThroughNamesAndLinks) {
+    const auto root = folder.makeFolder("root");
+    const auto outside = folder.makeFolder("outside");
+    folder.makeFolder("root/a/b");
+    std::filesystem::create_directory_symlink(outside, root + "/out");
+    std::filesystem::create_directory_symlink(root + "/a", outside + "/in");
+    for (const auto& path : {root + "/a", root + "/a/b/", root + "/./a/../a", root + "/missing/x", outside + "/in/b",
+                             root + "/a/../../root/a"})
+        EXPECT_TRUE(liesBelow(root, path)) << path;
+    for (const auto& path : {root, root + "/", root + "/.", root + "/a/..", root + "/..", outside, root + "/out",
+                             root + "/out/x", root + "2", root + "/../root2/a", std::string()})
+        EXPECT_FALSE(liesBelow(root, path)) << path;
+}

@@ -125,8 +125,8 @@ TEST_F(HttpFailure, aCutHeadIsNoAnswer) {
 
 TEST_F(HttpFailure, whatIsNoHttpIsNoAnswer) {
     const std::vector<std::string> garbage = {
-        "SSH-2.0-OpenSSH_9.2\r\n\r\n",  "\r\n\r\n\r\n\r\n",        std::string(5000, '\0'),  "<html>hello</html>\n\n",
-        "HTTP/1.1 abc Planned\r\n\r\n", "HTTP/9.9 200 OK\r\n\r\n", "{\"text\":\"hello\"}\n", "HTTP/1.1\r\n\r\n"};
+        "SSH-2.0-OpenSSH_9.2\r\n\r\n",  "\r\n\r\n\r\n\r\n",       std::string(5000, '\0'), "<html>hello</html>\n\n",
+        "HTTP/1.1 abc Planned\r\n\r\n", "{\"text\":\"hello\"}\n", "HTTP/1.1\r\n\r\n"};
     for (const auto& bytes : garbage) {
         SCOPED_TRACE(bytes.substr(0, 40));
         const auto sentBefore = server.requests().size();

@@ -174,6 +174,22 @@ std::string replaceAll(std::string_view text, std::string_view what, std::string
     }
 }
 
+std::string fillPlaceholders(std::string_view text, std::span<const Placeholder> placeholders) {
+    std::string filled;
+    while (!text.empty()) {
+        const auto found = std::find_if(placeholders.begin(), placeholders.end(),
+                                        [text](const Placeholder& one) { return text.starts_with(one.name); });
+        if (found == placeholders.end()) {
+            filled += text.front();
+            text.remove_prefix(1);
+        } else {
+            filled += found->value;
+            text.remove_prefix(found->name.size());
+        }
+    }
+    return filled;
+}
+
 std::string_view pluralS(std::size_t count) {
     return count == 1 ? "" : "s";
 }

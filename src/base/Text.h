@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,16 @@ namespace zuvo {
 /// Every occurrence of `what` replaced, from the left, without looking at replaced text again. An empty `what`
 /// changes nothing.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
+
+/// A name in a template and what stands there once it is filled in.
+struct Placeholder {
+    std::string_view name; ///< with what marks it as a placeholder
+    std::string value;
+};
+
+/// The template with every placeholder replaced, in one pass: what was filled in is not looked at again, so that a
+/// transcript in which somebody says "{style}" stays as it is. Of two names that fit at one place the earlier holds.
+[[nodiscard]] std::string fillPlaceholders(std::string_view text, std::span<const Placeholder> placeholders);
 
 /// "" for exactly one, else "s".
 [[nodiscard]] std::string_view pluralS(std::size_t count);

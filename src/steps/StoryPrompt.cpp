@@ -1,10 +1,9 @@
 #include "steps/StoryPrompt.h"
 
 #include "base/Numbers.h"
+#include "base/Text.h"
 
-#include <algorithm>
 #include <array>
-#include <span>
 #include <string_view>
 
 namespace zuvo {
@@ -99,29 +98,6 @@ Return ONLY a JSON object (no markdown, no code fences):
     "estimatedDuration": 298.5
 })PROMPT";
 
-struct Placeholder {
-    std::string_view name; ///< with its braces
-    std::string value;
-};
-
-/// The template with every placeholder replaced. What was filled in is not looked at again, so that a transcript in
-/// which somebody says "{style}" stays as it is.
-std::string filled(std::string_view text, std::span<const Placeholder> placeholders) {
-    std::string result;
-    while (!text.empty()) {
-        const auto found = std::find_if(placeholders.begin(), placeholders.end(),
-                                        [text](const Placeholder& one) { return text.starts_with(one.name); });
-        if (found == placeholders.end()) {
-            result += text.front();
-            text.remove_prefix(1);
-        } else {
-            result += found->value;
-            text.remove_prefix(found->name.size());
-        }
-    }
-    return result;
-}
-
 } // namespace
 
 std::string storyPrompt(const StoryPromptInput& input) {
@@ -138,7 +114,7 @@ std::string storyPrompt(const StoryPromptInput& input) {
         {"{sourceLanguage}", input.sourceLanguage},
         {"{transcript}", input.transcript},
     }};
-    return filled(promptTemplate, placeholders);
+    return fillPlaceholders(promptTemplate, placeholders);
 }
 
 } // namespace zuvo

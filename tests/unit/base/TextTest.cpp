@@ -1,5 +1,6 @@
 #include "base/Text.h"
 
+#include <array>
 #include <gmock/gmock.h>
 
 namespace zuvo {
@@ -138,6 +139,18 @@ TEST(ReplaceAll, doesNotLookAtReplacedTextAgain) {
 
 TEST(ReplaceAll, changesNothingForAnEmptyText) {
     EXPECT_EQ(replaceAll("abc", "", "x"), "abc");
+}
+
+TEST(FillPlaceholders, putsEveryValueInItsPlaceInOnePass) {
+    const std::array<Placeholder, 2> placeholders = {{{"{a}", "1 {b} {a}"}, {"{b}", ""}}};
+    EXPECT_EQ(fillPlaceholders("{a}-{b}-{a}", placeholders), "1 {b} {a}--1 {b} {a}");
+    EXPECT_EQ(fillPlaceholders("{c} {{b}} {a", placeholders), "{c} {} {a");
+    EXPECT_EQ(fillPlaceholders("", placeholders), "");
+}
+
+TEST(FillPlaceholders, ofTwoNamesThatFitTheEarlierHolds) {
+    const std::array<Placeholder, 2> placeholders = {{{"{a", "x"}, {"{a}", "y"}}};
+    EXPECT_EQ(fillPlaceholders("{a}", placeholders), "x}");
 }
 
 TEST(PluralS, isEmptyForExactlyOne) {

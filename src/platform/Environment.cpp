@@ -67,12 +67,12 @@ std::string fixedToolPath(const std::string& name, const std::string& root) {
 
 namespace {
 
-std::string fixedResolveScriptLib() {
-    const std::string installed =
-        "/Library/Application Support/Blackmagic Design/DaVinci Resolve/Developer/Scripting/Modules";
+/// A folder of Resolve's scripting interface: where its installer puts it, on Linux else below /opt.
+std::string fixedResolveFolder(const std::string& below) {
+    const auto installed = "/Library/Application Support/Blackmagic Design/DaVinci Resolve/Developer/Scripting" + below;
 #ifdef Q_OS_LINUX
     if (!fileExists(installed))
-        return "/opt/resolve/Developer/Scripting/Modules";
+        return "/opt/resolve/Developer/Scripting" + below;
 #endif
     return installed;
 }
@@ -88,7 +88,8 @@ Environment Environment::ofThisMachine() {
     environment.realHomeDir = databaseHome.empty() ? environment.home : databaseHome;
     environment.systemTemporaryFolder = temporaryFolderOfTheSystem();
     environment.tools = {fixedToolPath("ffmpeg"), fixedToolPath("ffprobe"), fixedToolPath("python3")};
-    environment.resolveScriptLib = fixedResolveScriptLib();
+    environment.resolveScriptAPI = fixedResolveFolder("");
+    environment.resolveScriptLib = fixedResolveFolder("/Modules");
     return environment;
 }
 

@@ -27,7 +27,10 @@ struct Environment {
 
     ToolPaths tools;
 
-    /// Folder of the module by which Python talks to DaVinci Resolve.
+    /// Folder of DaVinci Resolve's scripting interface.
+    std::string resolveScriptAPI;
+
+    /// Folder of the module in it by which Python talks to DaVinci Resolve.
     std::string resolveScriptLib;
 
     /// An environment variable of the program; nothing if it is not set.

@@ -29,6 +29,8 @@ void configure(QProcess& process, const ProcessRequest& request) {
         environment.insert(QString::fromStdString(name), QString::fromStdString(value));
     process.setProcessEnvironment(environment);
 
+    if (!request.workingFolder.empty())
+        process.setWorkingDirectory(QString::fromStdString(request.workingFolder));
     process.setStandardInputFile(QProcess::nullDevice());
     if (!request.keepsOutput)
         process.setStandardOutputFile(QProcess::nullDevice());

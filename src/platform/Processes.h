@@ -20,12 +20,18 @@ struct ProcessRequest {
     /// Variables set on top of the program's own environment.
     std::vector<std::pair<std::string, std::string>> variables;
 
+    std::string workingFolder; ///< empty for the program's own
+
     bool keepsOutput = false; ///< else standard output goes to the null device
     bool keepsError = false;  ///< else standard error goes to the null device, or to `errorFile`
 
     /// File that takes standard error, created or emptied; empty for none.
     std::string errorFile;
 };
+
+/// Where Python programs run: Python looks for modules in its working folder before all others, and the user's may hold
+/// footage of anybody's.
+inline constexpr const char* scriptWorkingFolder = "/";
 
 /// More than this is not kept of one stream; the child runs on all the same.
 inline constexpr std::size_t keptOutputLimit = 64UL * 1024 * 1024;

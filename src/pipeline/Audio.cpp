@@ -5,6 +5,8 @@
 #include "base/Text.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
+#include "resolve/Scripts.h"
+#include "steps/ScriptLines.h"
 
 #include <fmt/format.h>
 
@@ -37,9 +39,12 @@ std::string concatList(const std::vector<std::string>& paths) {
 
 } // namespace
 
-QCoro::Task<std::optional<std::vector<std::string>>> LocalPipeline::getTimelineMedia(std::string /*timeline*/) {
-    // There is no link to Resolve in this version, so no timeline's media can be found.
-    co_return std::nullopt;
+QCoro::Task<std::optional<std::vector<std::string>>> LocalPipeline::getTimelineMedia(std::string timeline) {
+    const auto self = shared_from_this();
+    const auto output = co_await runScript(timelineMediaScript(m_platform.environment.resolveScriptLib, timeline));
+    if (!output)
+        co_return std::nullopt;
+    co_return mediaPathsOf(*output);
 }
 
 QCoro::Task<std::optional<std::string>> LocalPipeline::extractAudio(std::vector<std::string> mediaPaths) {

@@ -68,6 +68,11 @@ void LocalPipeline::setBuildResult(std::optional<std::string> result) {
     Q_EMIT buildResultChanged();
 }
 
+void LocalPipeline::setAuditReport(std::optional<AuditReport> report) {
+    m_auditReport = std::move(report);
+    Q_EMIT auditReportChanged();
+}
+
 std::string LocalPipeline::cacheFile(const char* name) const {
     return m_platform.environment.cacheFolder() + "/" + name;
 }

@@ -13,6 +13,7 @@
 #include "steps/Energy.h"
 #include "steps/Probing.h"
 #include "steps/TranscriptionFormat.h"
+#include "steps/UsedFootage.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -67,6 +68,7 @@ class LocalPipeline : public QObject, public std::enable_shared_from_this<LocalP
 public:
     using WordTimestamp = zuvo::WordTimestamp;
     using WordSegment = zuvo::WordSegment;
+    using TimelineClip = zuvo::TimelineClip;
 
     [[nodiscard]] static std::shared_ptr<LocalPipeline> create(Platform platform, ServiceTimeouts timeouts = {});
 
@@ -96,6 +98,10 @@ public:
 
     /// Tells a saved project anew in another style; its transcript is not paid for again.
     QCoro::Task<> runFromProject(SavedProject project, StoryChoices choices);
+
+    /// Compares the cut on a timeline with the transcript of an earlier mine of its media, from this start of the
+    /// program; the outcome is `auditReport`. Begins with a `reset`.
+    QCoro::Task<> auditTimeline(std::string timeline);
 
     /// Media behind a timeline; nothing if it cannot be found.
     QCoro::Task<std::optional<std::vector<std::string>>> getMediaPaths(std::string timeline);
@@ -141,7 +147,7 @@ public:
     QCoro::Task<std::optional<ProbeResult>> probeMediaFile(std::string path);
 
     /// Media behind a timeline of the open Resolve project, sorted by path; nothing if it cannot be found.
-    virtual QCoro::Task<std::optional<std::vector<std::string>>> getTimelineMedia(std::string timeline);
+    QCoro::Task<std::optional<std::vector<std::string>>> getTimelineMedia(std::string timeline);
     /// Path of one mono 16 kHz WAV of all sources in order, or nothing.
     QCoro::Task<std::optional<std::string>> extractAudio(std::vector<std::string> mediaPaths);
     /// Seconds; 300.0 if it cannot be measured, so that later offsets keep advancing.
@@ -164,6 +170,11 @@ public:
 
     QCoro::Task<std::optional<MiningResults>> analyzeStory(TranscriptResult transcript, double targetMinutes,
                                                            std::string language, std::string stylePrompt);
+
+    /// Every clip of a timeline that has a source file, of the sound tracks first; nothing if they cannot be read.
+    QCoro::Task<std::optional<std::vector<TimelineClip>>> readTimelineClips(std::string timeline);
+    /// Asks the model what a cut has missed. What it uses is in the prompt; the report's own figures are the model's.
+    QCoro::Task<std::optional<AuditReport>> analyzeAudit(std::string prompt, std::vector<UsedSegment> usedRanges);
 
     QCoro::Task<MiningResults> assignSourceClips(MiningResults analysis, std::vector<std::string> mediaPaths);
     void writeSegmentsJson(const MiningResults& analysis);
@@ -199,13 +210,13 @@ Q_SIGNALS:
     void lastExportDirChanged();
     void lastMediaPathsChanged();
     void buildResultChanged();
+    void auditReportChanged();
     void probeResultsChanged();
     void lastTranscriptChanged();
 
-protected:
+private:
     LocalPipeline(Platform platform, ServiceTimeouts timeouts);
 
-private:
     /// One mine from the first line of its log to the last.
     struct Mine {
         std::string name; ///< of the timeline, the files or the project
@@ -239,6 +250,7 @@ private:
     void setProgress(double progress);
     void setLastMediaPaths(std::vector<std::string> paths);
     void setBuildResult(std::optional<std::string> result);
+    void setAuditReport(std::optional<AuditReport> report);
 
     QCoro::Task<> mineFootage(Mine mine);
     QCoro::Task<TranscriptOutcome> obtainTranscript(Mine mine);
@@ -249,6 +261,15 @@ private:
 
     QCoro::Task<bool> buildResolveTimeline(std::string name, MiningResults analysis,
                                            std::vector<std::string> mediaPaths);
+    /// The transcript of an earlier mine of these media; a failure of the audit without one.
+    std::optional<TranscriptResult> transcriptForAudit(const std::vector<std::string>& mediaPaths);
+    QCoro::Task<> auditCut(std::vector<TimelineClip> clips, std::vector<std::string> mediaPaths,
+                           TranscriptResult transcript);
+
+    /// Runs a build's script with both of its streams kept. No script counts as one that printed nothing.
+    QCoro::Task<ProcessOutcome> runBuild(std::optional<std::string> script);
+    /// Shows what a build's script printed, line by line; the last failure or success is the build's outcome.
+    [[nodiscard]] std::string readBuildLines(const std::string& output);
     QCoro::Task<std::optional<double>> measuredDuration(std::string path);
     void saveProbeCache();
     [[nodiscard]] std::optional<Json> readProbeCache() const;
@@ -259,9 +280,18 @@ private:
     QCoro::Task<EnergyProfile> measureEnergy(TranscriptResult transcript);
     QCoro::Task<std::vector<SourceFile>> findSources();
     QCoro::Task<SampleStore> readSources(std::vector<SourceFile> sources);
-    QCoro::Task<std::optional<std::string>> askModel(std::string prompt);
+    /// What is said of the key before a request to the model.
+    enum class KeyState { logged, notLogged };
+    QCoro::Task<std::optional<std::string>> askModel(std::string prompt, KeyState keyState);
     void logKeyState(const std::string& key);
+    /// What is left of a reply once it is cleaned; nothing, with a line, if that cannot be read as text.
+    std::optional<std::string> cleanedReply(const std::string& reply);
+    void logDecodeFailure(const std::string& failure, const std::string& cleaned);
     std::optional<MiningResults> decodeReply(const std::string& reply);
+
+    /// Like `runPython`. No script, since a name would break out of it, counts as one that ended with status 1 and
+    /// printed nothing.
+    QCoro::Task<std::optional<std::string>> runScript(std::optional<std::string> script);
 
     [[nodiscard]] std::optional<std::string> readKeyFromFile(const std::string& service) const;
     [[nodiscard]] std::optional<std::string> readKeyFromZshrc(const std::string& name) const;

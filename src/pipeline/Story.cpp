@@ -36,7 +36,7 @@ QCoro::Task<std::optional<MiningResults>> LocalPipeline::analyzeStory(Transcript
     input.thresholds = profile.thresholds;
     input.transcript = profile.annotatedTranscript;
 
-    const auto reply = co_await askModel(storyPrompt(input));
+    const auto reply = co_await askModel(storyPrompt(input), KeyState::logged);
     if (!reply)
         co_return std::nullopt;
     auto story = decodeReply(*reply);
@@ -48,7 +48,7 @@ QCoro::Task<std::optional<MiningResults>> LocalPipeline::analyzeStory(Transcript
     co_return std::move(audited.results);
 }
 
-QCoro::Task<std::optional<std::string>> LocalPipeline::askModel(std::string prompt) {
+QCoro::Task<std::optional<std::string>> LocalPipeline::askModel(std::string prompt, KeyState keyState) {
     const auto body = messagesRequestBody(prompt);
     if (!body)
         co_return std::nullopt;
@@ -58,7 +58,8 @@ QCoro::Task<std::optional<std::string>> LocalPipeline::askModel(std::string prom
         co_return std::nullopt;
     }
     const auto key = anthropicKey();
-    logKeyState(key);
+    if (keyState == KeyState::logged)
+        logKeyState(key);
 
     HttpRequest request;
     request.url = address.url;
@@ -91,18 +92,28 @@ void LocalPipeline::logKeyState(const std::string& key) {
     log("  Fix: echo $ANTHROPIC_API_KEY > ~/.config/anthropic/api_key", LogColor::dim);
 }
 
+std::optional<std::string> LocalPipeline::cleanedReply(const std::string& reply) {
+    auto cleaned = cleanReply(reply);
+    if (isValidUtf8(cleaned))
+        return cleaned;
+    log("  Could not encode cleaned JSON", LogColor::accent);
+    return std::nullopt;
+}
+
+void LocalPipeline::logDecodeFailure(const std::string& failure, const std::string& cleaned) {
+    log("  JSON decode error: " + failure, LogColor::accent);
+    log("  Response preview: " + firstCharacters(cleaned, shownPreviewCharacters) + "...", LogColor::dim);
+}
+
 std::optional<MiningResults> LocalPipeline::decodeReply(const std::string& reply) {
-    const auto cleaned = cleanReply(reply);
-    if (!isValidUtf8(cleaned)) {
-        log("  Could not encode cleaned JSON", LogColor::accent);
+    const auto cleaned = cleanedReply(reply);
+    if (!cleaned)
         return std::nullopt;
-    }
-    auto decoded = decodeRecordText<MiningResults>(cleaned);
+    auto decoded = decodeRecordText<MiningResults>(*cleaned);
     if (decoded.value)
         return std::move(decoded.value);
-    log("  JSON decode error: " + decoded.failure, LogColor::accent);
-    log("  Response preview: " + firstCharacters(cleaned, shownPreviewCharacters) + "...", LogColor::dim);
-    auto recovered = tryManualParse(cleaned);
+    logDecodeFailure(decoded.failure, *cleaned);
+    auto recovered = tryManualParse(*cleaned);
     if (recovered)
         log("  ✓ Recovered via manual parse", LogColor::green);
     return recovered;

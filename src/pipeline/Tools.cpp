@@ -54,11 +54,19 @@ QCoro::Task<std::optional<std::string>> LocalPipeline::runPython(std::string scr
     request.program = m_platform.environment.tools.python3;
     request.arguments = {"-c", std::move(script)};
     request.variables = {{"PYTHONPATH", m_platform.environment.resolveScriptLib}};
+    request.workingFolder = scriptWorkingFolder;
     request.keepsOutput = true;
     auto outcome = co_await m_platform.processes->run(std::move(request));
     if (!outcome.launched)
         co_return std::nullopt;
     co_return decodeUtf8(std::move(outcome.standardOutput)).value_or("");
+}
+
+QCoro::Task<std::optional<std::string>> LocalPipeline::runScript(std::optional<std::string> script) {
+    if (!script)
+        co_return std::string();
+    auto output = co_await runPython(std::move(*script));
+    co_return output;
 }
 
 std::string LocalPipeline::openaiKey() const {

@@ -17,6 +17,10 @@ constexpr const char* generalHelp =
   zuvo mine FILE... [style options]            mine these media files
   zuvo mine --timeline NAME [style options]    mine a timeline of the open Resolve project
   zuvo mine --reload NAME [style options]      tell a saved project anew in another style
+  zuvo audit --timeline NAME [--mine-first]    what a cut in Resolve has missed; it needs the transcript of a mine
+                                               of the same media in this very start, so: --mine-first
+  zuvo build                                   build the last story, segments.json, as a timeline in Resolve
+  zuvo timelines                               list the timelines of the project open in Resolve
   zuvo projects                                list the saved projects, newest first
   zuvo projects delete NAME                    remove a project with its exports
   zuvo clear-caches                            remove caches, but not paid-for transcripts
@@ -35,9 +39,10 @@ style options:
   --notes TEXT                                 director's notes, which come before everything else
 
 other options:
-  --json                                       one JSON object a line instead of text (mine, projects)
+  --json                                       one JSON object a line instead of text (mine, audit, build, timelines,
+                                               projects)
 
-The exit status is 0 for a finished mine, 1 for a failed one, 2 for wrong usage and 130 after Ctrl-C.
+The exit status is 0 for a finished task, 1 for a failed one, 2 for wrong usage and 130 after Ctrl-C.
 )";
 
 struct UsageError {
@@ -158,6 +163,29 @@ Command parseMine(const QStringList& words) {
     return mine;
 }
 
+Command parseAudit(const QStringList& words) {
+    QCommandLineParser parser;
+    parser.addOption(valueOption("timeline"));
+    parser.addOption({QStringLiteral("mine-first"), QString()});
+    parser.addOption({QStringLiteral("json"), QString()});
+    parseWords(parser, words);
+    const auto timeline = value(parser, "timeline");
+    if (!timeline || !parser.positionalArguments().isEmpty())
+        throw UsageError{"write \"zuvo audit --timeline NAME\", with --mine-first to mine that timeline beforehand"};
+    return AuditCommand{*timeline, parser.isSet(QStringLiteral("mine-first")), parser.isSet(QStringLiteral("json"))};
+}
+
+/// A command that takes --json and nothing else.
+template <class WithJson>
+Command parseWithJson(const QStringList& words, const char* name) {
+    QCommandLineParser parser;
+    parser.addOption({QStringLiteral("json"), QString()});
+    parseWords(parser, words);
+    if (!parser.positionalArguments().isEmpty())
+        throw UsageError{std::string("zuvo ") + name + " takes nothing behind it but --json"};
+    return WithJson{parser.isSet(QStringLiteral("json"))};
+}
+
 Command parseProjects(const QStringList& words) {
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("json"), QString()});
@@ -192,6 +220,12 @@ Command parseCommand(const QStringList& words) {
     const auto rest = words.mid(1);
     if (words[0] == QLatin1String("mine"))
         return parseMine(rest);
+    if (words[0] == QLatin1String("audit"))
+        return parseAudit(rest);
+    if (words[0] == QLatin1String("build"))
+        return parseWithJson<BuildCommand>(rest, "build");
+    if (words[0] == QLatin1String("timelines"))
+        return parseWithJson<TimelinesCommand>(rest, "timelines");
     if (words[0] == QLatin1String("projects"))
         return parseProjects(rest);
     if (words[0] == QLatin1String("clear-caches"))

@@ -41,6 +41,23 @@ struct ReloadCommand {
     bool json = false;
 };
 
+/// Compares a cut in Resolve with the transcript of its footage.
+struct AuditCommand {
+    std::string timeline;
+    bool minesFirst = false; ///< a transcript is found again within one start of the program alone
+    bool json = false;
+};
+
+/// Builds segments.json as it stands as a new timeline in Resolve.
+struct BuildCommand {
+    bool json = false;
+};
+
+/// Lists the timelines of the project that is open in Resolve.
+struct TimelinesCommand {
+    bool json = false;
+};
+
 struct ProjectsCommand {
     bool json = false;
 };
@@ -65,9 +82,9 @@ struct WrongUsage {
     std::string message;
 };
 
-using Command =
-    std::variant<MineFilesCommand, MineTimelineCommand, ReloadCommand, ProjectsCommand, DeleteProjectCommand,
-                 ClearCachesCommand, KeysCommand, VersionCommand, HelpCommand, WrongUsage>;
+using Command = std::variant<MineFilesCommand, MineTimelineCommand, ReloadCommand, AuditCommand, BuildCommand,
+                             TimelinesCommand, ProjectsCommand, DeleteProjectCommand, ClearCachesCommand, KeysCommand,
+                             VersionCommand, HelpCommand, WrongUsage>;
 
 /// What the words after the program's name ask for.
 [[nodiscard]] Command parseArguments(const QStringList& words);

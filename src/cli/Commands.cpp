@@ -7,6 +7,7 @@
 #include "platform/FileSystem.h"
 #include "platform/MineLock.h"
 #include "platform/ServiceAddresses.h"
+#include "resolve/ResolveBridge.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -48,11 +49,8 @@ QCoro::Task<> mineAndQuit(std::shared_ptr<MineSession> session, Command command)
     QCoreApplication::exit(static_cast<int>(status));
 }
 
-ExitStatus mine(Command command, bool json, const Platform& platform) {
-    const auto refusal = refusedAddress(platform.environment);
-    if (!refusal.empty())
-        return failWith(refusal);
-    warnOfMissingTools(platform.environment);
+/// Runs a mine, an audit or a build with its lines on standard output.
+ExitStatus runSession(Command command, bool json, const Platform& platform) {
     const MineLock lock(platform.environment);
     if (!lock.isHeld())
         return failWith(lock.refusal());
@@ -64,6 +62,44 @@ ExitStatus mine(Command command, bool json, const Platform& platform) {
     QObject::connect(&interrupts, &Interrupts::interrupted, session.get(), &MineSession::interrupt);
     QTimer::singleShot(0, session.get(), [session, command = std::move(command)] { mineAndQuit(session, command); });
     return static_cast<ExitStatus>(QCoreApplication::exec());
+}
+
+/// The same for what asks the services.
+ExitStatus runPaidSession(Command command, bool json, const Platform& platform) {
+    const auto refusal = refusedAddress(platform.environment);
+    if (!refusal.empty())
+        return failWith(refusal);
+    warnOfMissingTools(platform.environment);
+    return runSession(std::move(command), json, platform);
+}
+
+/// Why Resolve could not be reached, in words for a reader.
+std::string connectionFailure(const ResolveBridge& bridge) {
+    using Case = ResolveBridgeError::Case;
+    const auto status = trimWhiteSpace(bridge.statusMessage());
+    if (status == "NOT_CONNECTED" || status == "Resolve not running")
+        return ResolveBridgeError::description(Case::notConnected);
+    if (status == "NO_PROJECT")
+        return ResolveBridgeError::description(Case::noCurrentProject);
+    if (status == "Python not found")
+        return ResolveBridgeError::description(Case::pythonNotFound);
+    return status;
+}
+
+QCoro::Task<> listTimelinesAndQuit(std::shared_ptr<ResolveBridge> bridge, bool json) {
+    co_await bridge->connect();
+    if (!bridge->isConnected()) {
+        QCoreApplication::exit(static_cast<int>(failWith(connectionFailure(*bridge))));
+        co_return;
+    }
+    co_await bridge->getTimelines();
+    for (const auto& name : bridge->timelines()) {
+        const OrderedJson object = {{"timeline", name}};
+        print(json ? compactText(object).value_or("{}") + "\n" : withoutControlCharacters(name) + "\n");
+    }
+    if (bridge->timelines().empty() && !json)
+        print("There are no timelines in the open project.\n");
+    QCoreApplication::exit(static_cast<int>(ExitStatus::complete));
 }
 
 std::string dateText(double secondsSince1970) {
@@ -96,9 +132,25 @@ OrderedJson projectObject(const SavedProject& project) {
 struct Carrier {
     const Platform& platform;
 
-    ExitStatus operator()(const MineFilesCommand& command) const { return mine(command, command.json, platform); }
-    ExitStatus operator()(const MineTimelineCommand& command) const { return mine(command, command.json, platform); }
-    ExitStatus operator()(const ReloadCommand& command) const { return mine(command, command.json, platform); }
+    ExitStatus operator()(const MineFilesCommand& command) const {
+        return runPaidSession(command, command.json, platform);
+    }
+    ExitStatus operator()(const MineTimelineCommand& command) const {
+        return runPaidSession(command, command.json, platform);
+    }
+    ExitStatus operator()(const ReloadCommand& command) const {
+        return runPaidSession(command, command.json, platform);
+    }
+
+    ExitStatus operator()(const AuditCommand& command) const { return runPaidSession(command, command.json, platform); }
+
+    ExitStatus operator()(const BuildCommand& command) const { return runSession(command, command.json, platform); }
+
+    ExitStatus operator()(const TimelinesCommand& command) const {
+        const auto bridge = ResolveBridge::create(platform);
+        QTimer::singleShot(0, bridge.get(), [bridge, json = command.json] { listTimelinesAndQuit(bridge, json); });
+        return static_cast<ExitStatus>(QCoreApplication::exec());
+    }
 
     ExitStatus operator()(const ProjectsCommand& command) const {
         const auto projects = LocalPipeline::create(platform)->listProjects();

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "base/Numbers.h"
+#include "cli/ReportText.h"
 
 namespace zuvo {
 
@@ -74,6 +75,17 @@ void Console::showProgress(double progress, std::string_view stepName, std::stri
     } else if (m_form == ConsoleForm::terminal) {
         m_progressLine = fixedText(progress * percent, 0) + "%  " + std::string(stepText);
         write(eraseLine + m_progressLine);
+    }
+}
+
+void Console::showReport(const AuditReport& report) {
+    clearProgress();
+    if (m_form == ConsoleForm::json) {
+        OrderedJson event = {{"event", "report"}};
+        event["report"] = encodeRecord(report);
+        write(compactText(event).value_or("{}") + "\n");
+    } else {
+        write(withoutControlCharacters(reportText(report)));
     }
 }
 

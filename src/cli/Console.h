@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/AuditReport.h"
 #include "model/PipelineLog.h"
 
 #include <cstdio>
@@ -38,6 +39,8 @@ public:
     void showLog(const PipelineLog& line);
     /// `progress` from 0 to 1; `step` as the pages show it.
     void showProgress(double progress, std::string_view stepName, std::string_view stepText);
+    /// What an audit came to: readable text, or an event of its own in the JSON form.
+    void showReport(const AuditReport& report);
     void showEnd(const RunEnd& end);
 
     /// Takes the line of progress away, so that other output can follow.

@@ -62,16 +62,27 @@ MineSession::MineSession(std::shared_ptr<LocalPipeline> pipeline, std::shared_pt
 
 QCoro::Task<ExitStatus> MineSession::run(Command command) {
     try {
-        co_await start(std::move(command));
+        const auto status = co_await start(std::move(command));
+        co_return status;
     } catch (const std::exception& error) {
         m_console.clearProgress();
-        tell(std::string("zuvo: the mine ended by an unforeseen failure: ") + error.what());
-        co_return ExitStatus::failed;
+        tell(std::string("zuvo: it ended by an unforeseen failure: ") + error.what());
     }
-    co_return end();
+    co_return ExitStatus::failed;
 }
 
-QCoro::Task<> MineSession::start(Command command) {
+QCoro::Task<ExitStatus> MineSession::start(Command command) {
+    auto status = ExitStatus::failed;
+    if (auto* auditCommand = std::get_if<AuditCommand>(&command))
+        status = co_await audit(*auditCommand);
+    else if (std::holds_alternative<BuildCommand>(command))
+        status = co_await build();
+    else
+        status = co_await mine(std::move(command));
+    co_return status;
+}
+
+QCoro::Task<ExitStatus> MineSession::mine(Command command) {
     if (const auto* files = std::get_if<MineFilesCommand>(&command)) {
         auto choices = choicesForFootage(files->style);
         co_await m_pipeline->run(files->files, std::move(choices));
@@ -82,17 +93,42 @@ QCoro::Task<> MineSession::start(Command command) {
         const auto project = newestProject(*m_pipeline, reload->project);
         if (!project) {
             tell("zuvo: there is no project called \"" + reload->project + "\"; zuvo projects lists them");
-            co_return;
+            co_return end(false);
         }
         if (reload->style.language || reload->style.mode)
             tell("zuvo: --language and --mode have no effect with --reload: the project keeps its own");
         auto choices = choicesForProject(reload->style, *project);
         co_await m_pipeline->runFromProject(*project, std::move(choices));
     }
+    const bool complete = m_pipeline->step() == PipelineStep::complete;
+    const auto status = end(complete);
+    if (complete)
+        tell("Export folder: " + m_pipeline->lastExportDir().value_or(""));
+    co_return status;
 }
 
-ExitStatus MineSession::end() {
-    const bool complete = m_pipeline->step() == PipelineStep::complete;
+QCoro::Task<ExitStatus> MineSession::audit(AuditCommand command) {
+    if (command.minesFirst) {
+        auto choices = choicesForFootage({});
+        co_await m_pipeline->run(command.timeline, std::move(choices));
+        // The audit begins anew, so what stopped the mine has to stop it here.
+        if (m_interrupted || m_pipeline->step() != PipelineStep::complete)
+            co_return end(false);
+    }
+    co_await m_pipeline->auditTimeline(command.timeline);
+    const auto& report = m_pipeline->auditReport();
+    const bool complete = m_pipeline->step() == PipelineStep::complete && report.has_value();
+    if (complete)
+        m_console.showReport(*report);
+    co_return end(complete);
+}
+
+QCoro::Task<ExitStatus> MineSession::build() {
+    co_await m_pipeline->buildTimelineFromSegmentsFile();
+    co_return end(m_pipeline->buildResult().value_or("").starts_with("✓"));
+}
+
+ExitStatus MineSession::end(bool complete) {
     RunEnd end;
     end.step = caseName(m_pipeline->step());
     end.interrupted = m_interrupted && !complete;
@@ -100,10 +136,8 @@ ExitStatus MineSession::end() {
     end.errorMessage = m_pipeline->errorMessage().value_or("");
     end.buildResult = m_pipeline->buildResult().value_or("");
     m_console.showEnd(end);
-    if (complete) {
-        tell("Export folder: " + end.exportDir);
+    if (complete)
         return ExitStatus::complete;
-    }
     return m_interrupted ? ExitStatus::interrupted : ExitStatus::failed;
 }
 

@@ -13,8 +13,8 @@ namespace zuvo {
 /// Exit statuses of the program.
 enum class ExitStatus { complete = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 
-/// One mine on the command line: its lines and progress to the console, its end to an exit status, and Ctrl-C in
-/// between.
+/// One mine, build or audit on the command line: its lines and progress to the console, its end to an exit status, and
+/// Ctrl-C in between.
 class MineSession : public QObject {
     Q_OBJECT
 public:
@@ -27,8 +27,13 @@ public:
     void interrupt();
 
 private:
-    QCoro::Task<> start(Command command);
-    [[nodiscard]] ExitStatus end();
+    QCoro::Task<ExitStatus> start(Command command);
+    QCoro::Task<ExitStatus> mine(Command command);
+    QCoro::Task<ExitStatus> audit(AuditCommand command);
+    QCoro::Task<ExitStatus> build();
+
+    /// The last line of the JSON form, and the exit status.
+    [[nodiscard]] ExitStatus end(bool complete);
 
     std::shared_ptr<LocalPipeline> m_pipeline;
     std::shared_ptr<ProcessRunner> m_processes;

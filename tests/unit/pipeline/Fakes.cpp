@@ -71,6 +71,8 @@ ProcessOutcome FakeProcessRunner::outcomeOf(const ProcessRequest& request) {
         return probe(request);
     if (request.program.ends_with("/ffmpeg"))
         return convert(request);
+    if (request.program.ends_with("/python3"))
+        return printed("", false);
     ADD_FAILURE() << "Nobody planned a call of " << request.program;
     return notLaunched();
 }
@@ -157,6 +159,12 @@ FakeProcessRunner::Matcher call(std::string tool, std::vector<std::string> argum
         return request.program.ends_with(tool) &&
                std::all_of(arguments.begin(), arguments.end(),
                            [&](const std::string& argument) { return hasArgument(request, argument); });
+    };
+}
+
+FakeProcessRunner::Matcher running(std::optional<std::string> script) {
+    return [script = std::move(script)](const ProcessRequest& request) {
+        return request.program.ends_with("/python3") && request.arguments.size() == 2 && request.arguments[1] == script;
     };
 }
 

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,7 +33,8 @@ private:
 };
 
 /// Tools that were never installed. ffprobe knows what the test says of a file; ffmpeg writes the file that it is asked
-/// for. Rules of the test's own come first, the newest before the older ones.
+/// for; Python finds no Resolve, so it ends with 1 and prints nothing. Rules of the test's own come first, the newest
+/// before the older ones.
 class FakeProcessRunner final : public ProcessRunner {
 public:
     using Matcher = std::function<bool(const ProcessRequest&)>;
@@ -80,6 +82,7 @@ public:
     void thenFails(std::string words) { then(HttpAnswer{0, {}, std::move(words)}); }
 
     [[nodiscard]] std::size_t plannedCount() const { return m_plan.size(); }
+    void forgetPlan() { m_plan.clear(); }
 
     std::vector<HttpRequest> requests;
 
@@ -96,6 +99,9 @@ private:
 /// Requests of the tool with this name that have all of these arguments; an argument also counts if it only ends so
 /// (which spares the tests their long paths).
 [[nodiscard]] FakeProcessRunner::Matcher call(std::string tool, std::vector<std::string> arguments);
+
+/// Requests of Python to run exactly this script.
+[[nodiscard]] FakeProcessRunner::Matcher running(std::optional<std::string> script);
 
 /// Requests of ffmpeg whose output file ends so.
 [[nodiscard]] FakeProcessRunner::Matcher writing(std::string file);

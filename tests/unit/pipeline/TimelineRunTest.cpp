@@ -1,36 +1,20 @@
 #include "PipelineFixture.h"
 
+#include "base/Text.h"
+#include "resolve/Scripts.h"
+
 using namespace zuvo;
 using namespace zuvo::tests;
 using testing::ElementsAre;
 
 namespace {
 
-/// A pipeline that finds the media it is given behind every timeline.
-class PipelineWithATimeline final : public LocalPipeline {
-public:
-    PipelineWithATimeline(const Platform& platform, std::vector<std::string> media)
-        : LocalPipeline(platform, {}), m_media(std::move(media)) {}
-
-    QCoro::Task<std::optional<std::vector<std::string>>> getTimelineMedia(std::string /*timeline*/) override {
-        if (cancelsMeanwhile)
-            cancel();
-        co_return m_media;
-    }
-
-    bool cancelsMeanwhile = false;
-
-private:
-    std::vector<std::string> m_media;
-};
-
 class TimelineRun : public PipelineFixture {
 protected:
-    std::shared_ptr<PipelineWithATimeline> givenTimelineOf(std::vector<std::string> media) {
-        auto found = std::make_shared<PipelineWithATimeline>(platform, std::move(media));
-        pipeline = found;
-        watch();
-        return found;
+    /// A timeline in Resolve on which these media lie.
+    void givenTimeline(const std::string& name, const std::vector<std::string>& media) {
+        tools->when(running(timelineMediaScript(platform.environment.resolveScriptLib, name)),
+                    printed(join(media, "\n") + "\n"));
     }
 
     void mineTimeline(const std::string& name) { runToEnd(pipeline->run(name, MineChoices())); }
@@ -40,7 +24,7 @@ protected:
 
 TEST_F(TimelineRun, theLogReadsLineByLineAndEndsCompleteAfterAFailedBuild) {
     const auto footage = givenFootage();
-    givenTimelineOf(footage);
+    givenTimeline("Interview Day 1", footage);
     givenServicesAnswer();
     mineTimeline("Interview Day 1");
     auto lines = log();
@@ -64,22 +48,18 @@ TEST_F(TimelineRun, theLogReadsLineByLineAndEndsCompleteAfterAFailedBuild) {
 }
 
 TEST_F(TimelineRun, oneClipIsFoundInTheSingular) {
-    givenTimelineOf({givenFile("A.wav", "200.0")});
+    givenTimeline("One", {givenFile("A.wav", "200.0")});
     services->then(500, "no");
     mineTimeline("One");
     thenLogHas("[green] ✓ Connected — found 1 source clip");
 }
 
-TEST_F(TimelineRun, anEmptyListOfMediaIsNoFailureOfTheSearch) {
-    givenTimelineOf({});
-    services->then(500, "no");
-    mineTimeline("Empty");
-    thenLogHas("[green] ✓ Connected — found 0 source clips");
-    thenLogHas("[muted] 📋 Probing 0 source files...");
-}
-
 TEST_F(TimelineRun, aCancelWhileTheMediaAreSoughtEndsTheRunWithoutAWord) {
-    givenTimelineOf(givenFootage())->cancelsMeanwhile = true;
+    givenTimeline("Interview Day 1", givenFootage());
+    calls->inside = [this](std::size_t call) {
+        if (call == 1)
+            pipeline->cancel();
+    };
     mineTimeline("Interview Day 1");
     EXPECT_THAT(log(), ElementsAre("[dim] $ zuvo mine --mode full-mine", "[muted] Connecting to DaVinci Resolve..."));
     EXPECT_EQ(pipeline->lastMediaPaths(), std::nullopt);
@@ -88,7 +68,7 @@ TEST_F(TimelineRun, aCancelWhileTheMediaAreSoughtEndsTheRunWithoutAWord) {
 }
 
 TEST_F(TimelineRun, stepAndProgressPassThroughTheirFixedPoints) {
-    givenTimelineOf(givenFootage());
+    givenTimeline("Interview Day 1", givenFootage());
     givenServicesAnswer();
     mineTimeline("Interview Day 1");
     EXPECT_THAT(takeChanges(),
@@ -100,7 +80,7 @@ TEST_F(TimelineRun, stepAndProgressPassThroughTheirFixedPoints) {
 }
 
 TEST_F(TimelineRun, aStoryWithoutWordTimesStillGetsExportsAProjectAndABuild) {
-    givenTimelineOf(givenFootage());
+    givenTimeline("Interview Day 1", givenFootage());
     givenTranscription(R"({"start": 0.0, "end": 10.0, "text": "one two three"})");
     givenTranscription("");
     givenStory(fixtureStory);

@@ -99,7 +99,8 @@ class FakeResolveTest(ScriptTest):
         absurd = ["", "{", "[]", '{"runing": true}', '{"running": 1}', '{"project": 5}', '{"startTimecode": "1:00"}',
                   '{"timelines": {}}', '{"currentTimeline": "none"}', '{"failures": [{"method": "AddTrack"}]}',
                   '{"failures": [{"gives": 1}]}', '{"mediaPool": {"clips": [{"Path": "/a.wav"}]}}',
-                  '{"timelines": [{"tracks": {"audio": [["no such clip"]]}}]}', '{"timelines": [{"markers": {"x": {}}}]}']
+                  '{"timelines": [{"tracks": {"audio": [["no such clip"]]}}]}',
+                  '{"timelines": [{"markers": {"x": {}}}]}']
         for text in absurd:
             with self.subTest(text):
                 self.run_program("")
@@ -221,7 +222,8 @@ tell(given, len(places(tl)))""")
 
     def test_a_clip_has_defaults_for_what_the_world_does_not_tell(self) -> None:
         self.world = {"frameRate": "25"}
-        self.given_clips({"File Path": "/f/B.MOV"}, {"Start TC": "10:00:00:00", "Duration": "00:00:01:00"}, {"FPS": None})
+        self.given_clips({"File Path": "/f/B.MOV"}, {"Start TC": "10:00:00:00", "Duration": "00:00:01:00"},
+                         {"FPS": None})
         told = self.told("tell(*[c.GetClipProperty() for c in clips()])")
         self.assertEqual({"File Path": "/f/B.MOV", "Clip Name": "B.MOV", "Type": "Video + Audio", "FPS": 25.0,
                           "Start TC": "00:00:00:00", "Duration": "01:00:00:00", "End TC": "01:00:00:00", "In": "",

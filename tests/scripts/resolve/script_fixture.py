@@ -134,9 +134,12 @@ class ScriptTest(unittest.TestCase):
     def audio_items_after(self) -> list[dict]:
         return self.timeline_after()["tracks"]["audio"][0]
 
+    def all_calls(self) -> list[dict]:
+        """What the scripts asked of Resolve, in order."""
+        return [json.loads(line) for line in self.log_file.read_text(encoding="utf-8").splitlines()]
+
     def calls(self, method: str) -> list[dict]:
-        lines = self.log_file.read_text(encoding="utf-8").splitlines()
-        return [call for call in map(json.loads, lines) if call["method"] == method]
+        return [call for call in self.all_calls() if call["method"] == method]
 
     def then_ended_well(self, outcome: Outcome) -> None:
         self.assertEqual(("", 0), (outcome.stderr, outcome.status))

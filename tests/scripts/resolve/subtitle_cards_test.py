@@ -40,7 +40,7 @@ class SharingWords(unittest.TestCase):
     def test_translated_words_are_shared_out_by_a_pointer_that_is_cut_off(self) -> None:
         for trans, spoken_words, counts, left in (
                 (10, 4, [2, 3, 2, 3], 0),
-                (4, 4, [1, 1, 1, 1], 0),
+                (12, 12, [1] * 12, 0),
                 (3, 6, [1, 1, 1, 0, 0, 0], 0),
                 (7, 2, [3, 4], 0),
                 (5, 1, [5], 0),

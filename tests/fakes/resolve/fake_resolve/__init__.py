@@ -1,0 +1,1 @@
+"""What stands behind the stand-in DaVinciResolveScript, whose docstring describes it."""

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "base/Text.h"
+#include "standin/Auditor.h"
 #include "standin/StoryTeller.h"
 
 namespace zuvo::standin {
@@ -76,10 +77,11 @@ Answer answerMessages(const RecordedRequest& request, const std::optional<std::s
         return messagesError(400, invalidRequest, "messages: a last message by the user is required");
     if (replyText)
         return say(*model, *prompt, *replyText);
-    const auto story = readStoryPrompt(*prompt);
-    if (!story)
-        return messagesError(400, invalidRequest, "This prompt holds no annotated transcript to make a story of.");
-    return say(*model, *prompt, compactText(tellStory(*story)).value_or("{}"));
+    if (const auto story = readStoryPrompt(*prompt))
+        return say(*model, *prompt, compactText(tellStory(*story)).value_or("{}"));
+    if (const auto audit = readAuditPrompt(*prompt))
+        return say(*model, *prompt, compactText(judgeCut(*audit)).value_or("{}"));
+    return messagesError(400, invalidRequest, "This prompt holds no transcript to make a story of or to audit.");
 }
 
 } // namespace zuvo::standin

@@ -1,10 +1,10 @@
 #include "standin/StoryTeller.h"
 
 #include "base/Text.h"
+#include "standin/Reading.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <map>
 #include <numeric>
@@ -17,7 +17,6 @@ constexpr double longestPassage = 30.0;
 constexpr double idealPassage = 25.0; // longer runs of loud lines are cut into pieces of at most about this
 constexpr double longestPause = 2.0;  // a longer silence between two lines ends a run
 constexpr std::size_t wordsOnACard = 7;
-constexpr std::size_t tellingLetters = 5; // shorter words name no chapter
 constexpr std::array actTitles{"Act 1: Beginnings", "Act 2: The Turn", "Act 3: Where It Leads"};
 
 double rounded(double seconds) {
@@ -26,21 +25,6 @@ double rounded(double seconds) {
 
 double length(const Passage& passage) {
     return passage.end - passage.start;
-}
-
-bool take(std::string_view& text, std::string_view expected) {
-    if (text.substr(0, expected.size()) != expected)
-        return false;
-    text.remove_prefix(expected.size());
-    return true;
-}
-
-bool takeNumber(std::string_view& text, double& value) {
-    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
-    if (error != std::errc())
-        return false;
-    text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
-    return true;
 }
 
 std::optional<AnnotatedLine> readLine(std::string_view text) {
@@ -116,23 +100,6 @@ std::string textOf(const Passage& passage) {
     for (const AnnotatedLine& line : passage.lines)
         texts.push_back(line.text);
     return join(texts, " ");
-}
-
-/// Words in lower case with how often they occur. Anything but ASCII punctuation and digits counts as a letter.
-std::map<std::string, int> countWords(const std::string& text) {
-    std::map<std::string, int> counts;
-    std::string word;
-    for (const char c : text + " ") {
-        const bool upper = c >= 'A' && c <= 'Z';
-        if (upper || (c >= 'a' && c <= 'z') || static_cast<unsigned char>(c) >= 0x80) {
-            word += upper ? static_cast<char>(c - 'A' + 'a') : c;
-            continue;
-        }
-        if (!word.empty())
-            ++counts[word];
-        word.clear();
-    }
-    return counts;
 }
 
 /// The word that is most the passage's own: it occurs nowhere else if possible, and is long.

@@ -83,7 +83,8 @@ TEST_F(SecondRunTest, aProjectToldAnewSendsWordRequestsAlone) {
                 "⛏ Claude analyzing story structure..."});
     thenLogHas({"✓ 3 words across 1 segments", "✓ Exported SRT, transcript, and story brief",
                 "  Wrote 1 segments to cache", "Building timeline in Resolve...", "Building timeline in Resolve...",
-                "✗ Python returned no output", "✓ Complete — new style applied!"});
+                "✗ Python returned no output", "  stderr: Traceback (most recent call last):"});
+    thenLogEndsWith({"✓ Complete — new style applied!"});
     thenLogLacks("Probing");
 }
 

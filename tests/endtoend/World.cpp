@@ -1,6 +1,7 @@
 #include "endtoend/World.h"
 
 #include "fakes/CoroutineTest.h"
+#include "platform/Environment.h"
 
 #include <algorithm>
 #include <csignal>
@@ -60,6 +61,23 @@ Ending Running::end(std::chrono::seconds limit) {
     return ending;
 }
 
+namespace {
+
+/// Where Python looks for a user's own modules, below the user's base folder.
+std::string pythonModulesBelowBase() {
+    const std::string base = "/base/";
+    QProcess python;
+    auto variables = QProcessEnvironment::systemEnvironment();
+    variables.insert(QStringLiteral("PYTHONUSERBASE"), QString::fromStdString(base));
+    python.setProcessEnvironment(variables);
+    python.start(QString::fromStdString(fixedToolPath("python3")),
+                 {QStringLiteral("-m"), QStringLiteral("site"), QStringLiteral("--user-site")});
+    python.waitForFinished();
+    return python.readAllStandardOutput().trimmed().toStdString().substr(base.size());
+}
+
+} // namespace
+
 World::World() {
     if (!services.listen())
         throw std::runtime_error("No port is free");
@@ -72,6 +90,9 @@ World::World() {
     set("ANTHROPIC_API_KEY", anthropicKey);
     set("OPENAI_BASE_URL", services.transcriptionBase().toStdString());
     set("ANTHROPIC_BASE_URL", services.messagesBase().toStdString());
+    writePythonCustomisation("import sys\nsys.modules['DaVinciResolveScript'] = None\n");
+    set("PYTHONUSERBASE", folder / "python");
+    set("PYTHONDONTWRITEBYTECODE", "1");
     // Tools lie at fixed places, so nothing is found by PATH.
     set("PATH", "/nowhere");
     for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
@@ -90,6 +111,28 @@ std::string World::exports(const std::string& project, const std::string& name) 
 
 void World::set(const std::string& variable, const std::string& value) {
     environment.insert(QString::fromStdString(variable), QString::fromStdString(value));
+}
+
+void World::writePythonCustomisation(const std::string& program) const {
+    static const std::string below = pythonModulesBelowBase();
+    folder.write("python/" + below + "/usercustomize.py", program);
+}
+
+void World::givenResolve(const Json& resolve) {
+    writePythonCustomisation("import sys\nsys.path.insert(0, '" + fakeResolveFolder() + "')\n");
+    set("FAKE_RESOLVE_WORLD", folder.write("resolve.json", resolve.dump()));
+    set("FAKE_RESOLVE_LOG", folder.write("resolve-calls.jsonl", ""));
+}
+
+Json World::resolve() const {
+    return jsonOf(folder / "resolve.json");
+}
+
+std::vector<Json> World::resolveCalls() const {
+    std::vector<Json> calls;
+    for (const auto& line : linesOf(bytesOf(folder / "resolve-calls.jsonl")))
+        calls.push_back(Json::parse(line));
+    return calls;
 }
 
 std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) const {
@@ -134,6 +177,10 @@ std::string joined(const std::vector<std::string>& lines) {
     for (const auto& line : lines)
         text += line + "\n";
     return text;
+}
+
+std::string fakeResolveFolder() {
+    return ZUVO_TEST_FOLDER "/fakes/resolve";
 }
 
 std::string sampleFolder() {

@@ -71,8 +71,20 @@ public:
 
     void set(const std::string& variable, const std::string& value);
 
+    /// From now on Resolve answers as this world says (its form is told in tests/fakes/resolve). Until then there is no
+    /// Resolve, whatever is installed on the machine.
+    void givenResolve(const Json& resolve);
+    /// The world as the scripts have left it.
+    [[nodiscard]] Json resolve() const;
+    /// What was asked of it, in order: {"object", "method", "arguments", "result"}.
+    [[nodiscard]] std::vector<Json> resolveCalls() const;
+
     [[nodiscard]] std::unique_ptr<Running> begin(const std::vector<std::string>& words) const;
     [[nodiscard]] Ending zuvo(const std::vector<std::string>& words) const { return begin(words)->end(); }
+
+private:
+    /// Python runs this before a script, since it lies in the user's own folder of modules.
+    void writePythonCustomisation(const std::string& program) const;
 };
 
 [[nodiscard]] bool exists(const std::string& path);
@@ -83,6 +95,9 @@ public:
 [[nodiscard]] std::vector<std::string> namesIn(const std::string& folder);
 [[nodiscard]] std::vector<std::string> linesOf(const std::string& text);
 [[nodiscard]] std::string joined(const std::vector<std::string>& lines);
+
+/// Folder of the stand-in for Resolve's Python module.
+[[nodiscard]] std::string fakeResolveFolder();
 
 /// Folder of the sample interview, and the names of its files.
 [[nodiscard]] std::string sampleFolder();

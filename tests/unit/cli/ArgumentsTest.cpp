@@ -107,6 +107,22 @@ TEST(Arguments, projectsAreListedOrOneIsDeleted) {
     EXPECT_EQ(parseAs<DeleteProjectCommand>({"projects", "delete", "--", "--odd"}).project, "--odd");
 }
 
+TEST(Arguments, anAuditTakesATimelineAndCanMineItFirst) {
+    const auto audit = parseAs<AuditCommand>({"audit", "--timeline", "My cut"});
+    EXPECT_EQ(audit.timeline, "My cut");
+    EXPECT_FALSE(audit.minesFirst);
+    EXPECT_FALSE(audit.json);
+    EXPECT_TRUE(parseAs<AuditCommand>({"audit", "--mine-first", "--timeline=a"}).minesFirst);
+    EXPECT_TRUE(parseAs<AuditCommand>({"audit", "--timeline", "a", "--json"}).json);
+}
+
+TEST(Arguments, buildsAndTimelinesTakeTheJsonFormAlone) {
+    EXPECT_FALSE(parseAs<BuildCommand>({"build"}).json);
+    EXPECT_TRUE(parseAs<BuildCommand>({"build", "--json"}).json);
+    EXPECT_FALSE(parseAs<TimelinesCommand>({"timelines"}).json);
+    EXPECT_TRUE(parseAs<TimelinesCommand>({"timelines", "--json"}).json);
+}
+
 TEST(Arguments, simpleCommandsStandAlone) {
     parseAs<ClearCachesCommand>({"clear-caches"});
     parseAs<KeysCommand>({"keys"});
@@ -156,6 +172,10 @@ TEST(Arguments, wrongUsageSaysWhatToWrite) {
          "from 0 to 1, not \"speed=0.5\""},
         {{"projects", "remove", "a"}, "write \"zuvo projects\" or \"zuvo projects delete NAME\""},
         {{"projects", "delete"}, "write \"zuvo projects\" or \"zuvo projects delete NAME\""},
+        {{"audit"}, "write \"zuvo audit --timeline NAME\", with --mine-first to mine that timeline beforehand"},
+        {{"audit", "Cut"}, "write \"zuvo audit --timeline NAME\", with --mine-first to mine that timeline beforehand"},
+        {{"build", "Cut"}, "zuvo build takes nothing behind it but --json"},
+        {{"timelines", "Cut"}, "zuvo timelines takes nothing behind it but --json"},
         {{"clear-caches", "all"}, "zuvo clear-caches takes nothing behind it"},
         {{"keys", "openai"}, "zuvo keys takes nothing behind it"},
         {{"--version", "2"}, "zuvo --version takes nothing behind it"},

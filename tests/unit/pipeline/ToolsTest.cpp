@@ -90,6 +90,8 @@ TEST_F(Tools, whatIsAskedOfTheRunnerIsTheToolAndNothingElse) {
     EXPECT_THAT(tools->requests[0].arguments, ElementsAre("-c", "print('x')"));
     EXPECT_THAT(tools->requests[0].variables,
                 ElementsAre(std::pair<std::string, std::string>("PYTHONPATH", "/resolve/Modules")));
+    // A module of the same name as one of Python's own in the user's folder would be run.
+    EXPECT_EQ(tools->requests[0].workingFolder, "/");
 }
 
 TEST_F(Tools, theFileForStandardErrorLiesInThePrivateFolderUnderAUuid) {

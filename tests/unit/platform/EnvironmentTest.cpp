@@ -138,6 +138,14 @@ TEST(Environment, theToolsOfThisMachineLieInFixedPlaces) {
     EXPECT_THAT(tools.python3, testing::AnyOf("/opt/homebrew/bin/python3", "/usr/bin/python3"));
 }
 
+TEST(Environment, resolvesFoldersAreThoseOfItsInstallationElseTheFixedOnes) {
+    const auto environment = Environment::ofThisMachine();
+    const std::string installed = "/Library/Application Support/Blackmagic Design/DaVinci Resolve/Developer/Scripting";
+    EXPECT_THAT(environment.resolveScriptAPI, testing::AnyOf(installed, "/opt/resolve/Developer/Scripting"));
+    EXPECT_THAT(environment.resolveScriptLib,
+                testing::AnyOf(installed + "/Modules", "/opt/resolve/Developer/Scripting/Modules"));
+}
+
 TEST_F(PrivateFolder, isMadeForThisUserAlone) {
     const auto umaskBefore = umask(0);
     const auto folder = environment.temporaryFolder();

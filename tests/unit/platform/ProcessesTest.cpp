@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <fcntl.h>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -222,6 +223,21 @@ TEST_F(Processes, variablesAreSetOnTopOfTheProgramsOwn) {
     EXPECT_EQ(qgetenv("ZUVO_TEST_CHANGED"), "old");
     qunsetenv("ZUVO_TEST_KEPT");
     qunsetenv("ZUVO_TEST_CHANGED");
+}
+
+TEST_F(Processes, aChildRunsInTheFolderItIsGivenElseInTheProgramsOwn) {
+    auto request = shell("pwd");
+    request.workingFolder = "/";
+    EXPECT_EQ(run(std::move(request)).standardOutput, "/\n");
+    EXPECT_EQ(run(shell("pwd -P")).standardOutput, std::filesystem::current_path().string() + "\n");
+}
+
+TEST_F(Processes, aFolderThatIsMissingIsALaunchFailure) {
+    auto request = shell("pwd");
+    request.workingFolder = folder / "missing";
+    const auto outcome = run(std::move(request));
+    EXPECT_FALSE(outcome.launched);
+    EXPECT_NE(outcome.launchFailure, "");
 }
 
 TEST_F(Processes, twoChildrenRunAtOnce) {

@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "cli/Console.h"
 #include "cli/Interrupts.h"
+#include "cli/Streams.h"
 #include "platform/FileSystem.h"
 #include "platform/MineLock.h"
 #include "platform/ServiceAddresses.h"
@@ -12,21 +13,11 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTimer>
-#include <cstdio>
 #include <unistd.h>
 
 namespace zuvo {
 
 namespace {
-
-void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
-ExitStatus failWith(const std::string& message) {
-    std::fputs(("zuvo: " + withoutControlCharacters(message) + "\n").c_str(), stderr);
-    return ExitStatus::failed;
-}
 
 /// An address that would be refused later is refused now, before anything is paid for.
 std::string refusedAddress(const Environment& environment) {
@@ -40,7 +31,7 @@ std::string refusedAddress(const Environment& environment) {
 void warnOfMissingTools(const Environment& environment) {
     for (const auto& tool : {environment.tools.ffmpeg, environment.tools.ffprobe}) {
         if (!fileExists(tool))
-            std::fputs(("zuvo: " + tool + " is missing; install ffmpeg first\n").c_str(), stderr);
+            tell("zuvo: " + tool + " is missing; install ffmpeg first");
     }
 }
 
@@ -202,7 +193,7 @@ struct Carrier {
     }
 
     ExitStatus operator()(const WrongUsage& command) const {
-        std::fputs((withoutControlCharacters(command.message) + "\n").c_str(), stderr);
+        tell(command.message);
         return ExitStatus::wrongUsage;
     }
 };

@@ -1,7 +1,8 @@
 #include "cli/MineSession.h"
 
+#include "cli/Streams.h"
+
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 
@@ -10,10 +11,6 @@ namespace zuvo {
 namespace {
 
 constexpr double standardMinutes = 5.0;
-
-void tell(const std::string& text) {
-    std::fputs((withoutControlCharacters(text) + "\n").c_str(), stderr);
-}
 
 StoryChoices storyChoices(const StyleOptions& style, const std::optional<std::string>& presetId, double minutes) {
     StoryChoices choices;

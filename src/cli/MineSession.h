@@ -2,6 +2,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Console.h"
+#include "cli/ExitStatus.h"
 #include "pipeline/LocalPipeline.h"
 
 #include <QCoroTask>
@@ -9,9 +10,6 @@
 #include <memory>
 
 namespace zuvo {
-
-/// Exit statuses of the program.
-enum class ExitStatus { complete = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 
 /// One mine, build or audit on the command line: its lines and progress to the console, its end to an exit status, and
 /// Ctrl-C in between.

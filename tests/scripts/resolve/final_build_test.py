@@ -192,9 +192,10 @@ class FrameRate(FinalBuildTest):
             self.assertEqual("LOG:Using default fps=" + told, self.well_built().lines[0])
 
     def test_a_matched_clip_s_own_rate_follows_if_it_can_be_read(self) -> None:
-        self.given_probe(A={}, B={}, C={}, D={}, E={}, F={})
+        self.given_probe(**{name: {} for name in "ABCDEFGH"})
         self.given_clips(clip("/f/A.wav", FPS="25"), clip("/f/B.wav", FPS=""), clip("/f/C.wav", FPS="n/a"),
-                         clip("/f/D.wav", FPS="nan"), clip("/f/E.wav", FPS=None), clip("/f/F.wav", FPS=50))
+                         clip("/f/D.wav", FPS="nan"), clip("/f/E.wav", FPS=None), clip("/f/F.wav", FPS=50),
+                         clip("/f/G.wav", FPS="inf"), clip("/f/H.wav", FPS="0"))
         self.given_segments(segment(1, 1.5))
         outcome = self.well_built()
         self.assertEqual(["LOG:Clip fps=25.0", "LOG:Clip fps=50.0"], outcome.starting_with("LOG:Clip fps"))
@@ -297,9 +298,9 @@ class Offsets(FinalBuildTest):
     def test_a_null_or_missing_value_of_the_probe_is_none(self) -> None:
         self.given_clips(clip("/f/A.wav", 20, Duration="00:00:20:18"), clip("/f/B.wav"), clip("/f/C.wav", 40))
         self.given_probe(A={"duration": None, "startTimecodeSeconds": None, "fps": None}, C={"duration": 0},
-                         B={"duration": 30.0, "startTimecodeSeconds": -1.0})
-        self.assertEqual(["LOG:B.wav: duration=30s, transcript=0-30s", "LOG:A.wav: duration=21s, transcript=30-51s",
-                          "LOG:C.wav: duration=40s, transcript=51-91s"], self.offsets())
+                         B={"duration": 30.0, "startTimecodeSeconds": 0.5})
+        self.assertEqual(["LOG:A.wav: duration=21s, transcript=0-21s", "LOG:C.wav: duration=40s, transcript=21-61s",
+                          "LOG:B.wav: duration=30s, transcript=61-91s"], self.offsets())
 
     def test_a_file_that_the_probe_does_not_know_is_as_long_as_its_clip(self) -> None:
         self.given_clips(clip("/f/A.wav"), clip("/f/B.wav", 90))

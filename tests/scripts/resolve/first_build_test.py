@@ -265,6 +265,13 @@ class Offsets(FirstBuildTest):
             "LOG:D.wav: TC=0s, dur=300s, transcript=0-300s", "LOG:A.wav: TC=1000s, dur=300s, transcript=1000-1300s",
         ], self.well_built().lines[-5:-1])
 
+    def test_any_probed_length_above_zero_counts_and_lets_the_file_s_rate_hold(self) -> None:
+        self.given_clips(clip("/f/A.wav"), clip("/f/B.wav"))
+        self.given_probe(A={"duration": 0.5, "fps": 50.0}, B={"duration": 100.0})
+        self.given_segments(segment(1, 2))
+        self.assertEqual([], self.well_built().starting_with("LOG:A.wav"))
+        self.assertEqual([("/f/B.wav", 50, 100)], self.ranges())
+
     def test_a_probed_length_of_exactly_10_seconds_stays_and_less_goes_silently(self) -> None:
         self.given_clips(clip("/f/A.wav"), clip("/f/B.wav"))
         self.given_probe(A={"duration": 9.99, "startTimecodeSeconds": 5}, B={"duration": 10.0,
@@ -349,13 +356,13 @@ class Appending(FirstBuildTest):
 
     def test_an_exception_is_a_failure_that_is_told_for_the_first_three_moments(self) -> None:
         self.given_segments(*[segment(i, i + 1) for i in range(5)])
-        for call in (2, 5):
+        for call in (2, 4):
             self.given_failure("AppendToTimeline", call=call, raises="busy")
         outcome = self.well_built()
         self.assertEqual([
             "LOG:Seg 1: 1.0-2.0s -> frames 24-48", "LOG:Append error seg 1: busy",
             "LOG:Failed seg 1: 1.0-2.0s (frames 24-48)", "LOG:Seg 2: 2.0-3.0s -> frames 48-72",
-            "LOG:Failed seg 4: 4.0-5.0s (frames 96-120)", "SUCCESS:3 clips appended, 2 failed"], outcome.lines[-6:])
+            "LOG:Failed seg 3: 3.0-4.0s (frames 72-96)", "SUCCESS:3 clips appended, 2 failed"], outcome.lines[-6:])
 
     def test_nothing_appended_is_a_success_all_the_same(self) -> None:
         self.given_segments(segment(1, 2))

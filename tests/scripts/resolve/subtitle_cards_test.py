@@ -157,6 +157,11 @@ class EmittedWordCards(unittest.TestCase):
         self.assertEqual([("00:00:00,000 --> 00:00:01,500", "a b c."), ("00:00:01,500 --> 00:00:02,000", " ")],
                          told.entries)
 
+    def test_a_card_and_a_rest_of_exactly_four_hundredths_are_nothing(self) -> None:
+        walk = cards.SubtitleWalk(24.0)
+        self.assertEqual(0.0, walk.emit_word_cards([(0.0, 0.04, "x")], position(0.0, 0.04, ""), 0.04))
+        self.assertEqual([], walk.srt_lines)
+
     def test_a_hole_of_a_dropped_card_is_filled_before_the_next_one(self) -> None:
         told = Walked(position(0.0, 4.0, "x"))
         walk = told.walk
@@ -182,9 +187,11 @@ class EmittedWordCards(unittest.TestCase):
 
     def test_a_marker_is_at_least_one_frame_long_and_cut_off(self) -> None:
         words = spoken((0.0, 0.1), (0.1, 0.2), (0.2, 0.99), (1.0, 1.0625))
-        told = Walked(position(10.5, 12.5, "a b c. d"), words={0: words}, fps=10.0)
-        # 10.5 s and 1.0 s at 10 frames a second are frame 115; 0.0625 s are no whole frame.
+        told = Walked(position(10.5625, 12.5, "a b c. d"), words={0: words}, fps=10.0)
+        # 10.5625 s at 10 frames a second are frame 105.625, and 115.625 with the 1.0 s of the second card, whose
+        # 0.0625 s are no whole frame.
         self.assertEqual([(105, 9, "a b c."), (115, 1, "d")], told.walk.sub_cards_for_markers)
+        self.assertTrue(all(type(frame) is int for frame, _, _ in told.walk.sub_cards_for_markers))
 
     def test_the_log_counts_all_words_of_the_segment(self) -> None:
         told = walked(2.0, "one", spoken((0.0, 2.0), (2.0, 9.0)))
@@ -269,7 +276,7 @@ class FallbackCards(unittest.TestCase):
         self.assertEqual([("00:00:00,000 --> 00:00:00,500", "one")], walked(0.5, "one").entries)
 
     def test_a_segment_of_no_length_worth_an_entry_has_none(self) -> None:
-        for duration in (0.0, 0.03125, -1.0):
+        for duration in (0.0, 0.03125, 0.04, -1.0):
             told = walked(duration, "one")
             self.assertEqual(([], duration), (told.lines, told.walk.running_time))
 

@@ -18,6 +18,8 @@ class TimelineMedia(ScriptTest):
         outcome = self.run_script("timeline_media")
         self.assertEqual("/C.wav\n/a.wav\n/b.mov\n/z.wav\n", outcome.stdout)
         self.then_ended_well(outcome)
+        self.assertEqual([["audio", 1], ["audio", 2], ["video", 1], ["video", 2]],
+                         [call["arguments"] for call in self.calls("GetItemListInTrack")])
 
     def test_the_timeline_becomes_current(self) -> None:
         self.given_timeline()
@@ -88,6 +90,8 @@ class TimelineClips(ScriptTest):
         told = {"sourceFile": "/b.mov", "startFrame": 86412, "endFrame": 86424, "duration": 0.5}
         first = {"sourceFile": "/a.wav", "startFrame": 86400, "endFrame": 86460, "duration": 2.5}
         self.assertEqual([first, told, told], self.clips_told())
+        self.assertEqual([["audio", 1], ["audio", 2], ["video", 1]],
+                         [call["arguments"] for call in self.calls("GetItemListInTrack")])
 
     def test_durations_go_by_the_timeline_s_rate(self) -> None:
         self.given_clips(clip("/a.wav"))

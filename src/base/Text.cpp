@@ -174,6 +174,14 @@ std::string replaceAll(std::string_view text, std::string_view what, std::string
     }
 }
 
+std::string asciiLowered(std::string_view text) {
+    std::string lowered(text);
+    std::transform(lowered.begin(), lowered.end(), lowered.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return lowered;
+}
+
 std::string_view pluralS(std::size_t count) {
     return count == 1 ? "" : "s";
 }

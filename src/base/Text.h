@@ -45,6 +45,9 @@ namespace zuvo {
 /// changes nothing.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
 
+/// With A to Z in lower case and all else as it is. Enough to look for a name in ASCII, such as an extension.
+[[nodiscard]] std::string asciiLowered(std::string_view text);
+
 /// "" for exactly one, else "s".
 [[nodiscard]] std::string_view pluralS(std::size_t count);
 

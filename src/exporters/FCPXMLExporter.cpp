@@ -52,6 +52,11 @@ constexpr std::size_t clipNameCharacters = 50;
 /// The id of the first asset; 1 is the format's.
 constexpr std::size_t firstAssetNumber = 2;
 
+/// Room for the text (bytes): a long story's document would else be copied again and again as it grows. A clip and its
+/// marker without their texts take about 250, an asset 300.
+constexpr std::size_t roomForSegment = 400;
+constexpr std::size_t roomForAsset = 500;
+
 class FCPXMLDocument {
 public:
     FCPXMLDocument(const std::vector<MediaFileInfo>& mediaFiles, double fps)
@@ -59,6 +64,7 @@ public:
 
     std::string build(const std::string& projectName, const std::vector<StorySegment>& segments,
                       const std::optional<std::vector<Subtitle>>& subtitles) {
+        m_text.reserve(segments.size() * roomForSegment + m_mediaFiles.size() * roomForAsset);
         m_text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                  "<!DOCTYPE fcpxml>\n"
                  "<fcpxml version=\"1.11\">";

@@ -38,6 +38,11 @@ namespace exporters {
 
 namespace {
 
+/// Room for the text (bytes): a long story's document would else be copied again and again as it grows. A clip item
+/// without its texts takes about 550.
+constexpr std::size_t roomForClip = 700;
+constexpr std::size_t roomForFile = 1400;
+
 bool isNtscRate(double fps) {
     return fps == 29.97 || fps == 23.976 || fps == 59.94;
 }
@@ -78,6 +83,8 @@ public:
           m_fileRate(rateText(fps, 14)) {}
 
     std::string build(const std::string& projectName) {
+        const std::size_t tracks = hasVideo() ? 2 : 1;
+        m_text.reserve(m_segments.size() * tracks * roomForClip + m_mediaFiles.size() * roomForFile);
         append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                "<!DOCTYPE xmeml>\n"
                "<xmeml version=\"5\">\n"
@@ -88,8 +95,7 @@ public:
                "    <media>\n",
                xmlEscaped(projectName), m_totalFrames, rateText(m_fps, 4));
         writeAudio();
-        if (std::any_of(m_mediaFiles.begin(), m_mediaFiles.end(),
-                        [](const MediaFileInfo& file) { return file.hasVideo; }))
+        if (hasVideo())
             writeVideo();
         m_text += "    </media>\n"
                   "  </sequence>\n"
@@ -103,6 +109,10 @@ private:
         fmt::format_to(std::back_inserter(m_text), format, std::forward<Arguments>(arguments)...);
     }
 
+    [[nodiscard]] bool hasVideo() const {
+        return std::any_of(m_mediaFiles.begin(), m_mediaFiles.end(),
+                           [](const MediaFileInfo& file) { return file.hasVideo; });
+    }
     [[nodiscard]] std::int64_t frames(double seconds) const { return rounded(seconds * m_fps); }
     [[nodiscard]] std::int64_t totalFrames() const;
     [[nodiscard]] ClipFrames clipFrames(const StorySegment& segment) const;

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <iterator>
 #include <unordered_map>
+#include <utility>
 
 namespace zuvo {
 
@@ -128,11 +129,11 @@ void FCPXMLDocument::generateAsset(const MediaFileInfo& file, std::size_t number
     append("\n    <asset id=\"r{}\" name=\"{}\" src=\"file://{}\" start=\"0s\" duration=\"{}\"", number,
            xmlEscaped(file.filename), path, rational(file.duration));
     if (const double start = startSeconds(file); start > 0.0)
-        append(" tcStart=\"{}\" tcFormat=\"NDF\"", rational(start));
+        append(R"( tcStart="{}" tcFormat="NDF")", rational(start));
     if (file.hasVideo)
-        m_text += " hasVideo=\"1\" videoSources=\"1\"";
+        m_text += R"( hasVideo="1" videoSources="1")";
     if (file.hasAudio)
-        m_text += " hasAudio=\"1\" audioSources=\"1\" audioChannels=\"2\" audioRate=\"48000\"";
+        m_text += R"( hasAudio="1" audioSources="1" audioChannels="2" audioRate="48000")";
     append(">\n      <media-rep kind=\"original-media\" src=\"file://{}\"/>\n    </asset>", path);
 }
 

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 #include <iterator>
 #include <unordered_map>
+#include <utility>
 
 namespace zuvo {
 

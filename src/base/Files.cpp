@@ -3,6 +3,8 @@
 #include "base/Text.h"
 
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -19,6 +21,25 @@ std::filesystem::path neighbourOf(const std::filesystem::path& path) {
     static const auto salt = std::random_device{}();
     static std::atomic<unsigned> counter = 0;
     return path.parent_path() / (".new-" + std::to_string(salt) + "-" + std::to_string(counter++));
+}
+
+std::error_code lastError() {
+    return {errno != 0 ? errno : EIO, std::generic_category()};
+}
+
+/// Writes a new file. By the C library, since streams do not tell why they failed.
+std::error_code writeError(const std::filesystem::path& path, std::string_view bytes) {
+    errno = 0;
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (file == nullptr)
+        return lastError();
+    std::error_code error;
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size())
+        error = lastError();
+    // Small texts reach the disk only now.
+    if (std::fclose(file) != 0 && !error)
+        error = lastError();
+    return error;
 }
 
 } // namespace
@@ -49,25 +70,23 @@ std::optional<std::string> readTextFile(const std::string& path) {
     return decodeUtf8(std::move(*bytes));
 }
 
-bool replaceFileAtomically(const std::string& path, std::string_view bytes) {
+std::error_code fileReplacementError(const std::string& path, std::string_view bytes) {
+    // The platform would cut the name off there and replace another file.
+    if (path.find('\0') != std::string::npos)
+        return std::make_error_code(std::errc::invalid_argument);
     const auto neighbour = neighbourOf(path);
-    std::error_code error;
-    {
-        std::ofstream file(neighbour, std::ios::binary | std::ios::trunc);
-        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        file.close();
-        if (!file) {
-            std::filesystem::remove(neighbour, error);
-            return false;
-        }
-    }
-    std::filesystem::rename(neighbour, path, error);
+    auto error = writeError(neighbour, bytes);
+    if (!error)
+        std::filesystem::rename(neighbour, path, error);
     if (error) {
         std::error_code ignored;
         std::filesystem::remove(neighbour, ignored);
-        return false;
     }
-    return true;
+    return error;
+}
+
+bool replaceFileAtomically(const std::string& path, std::string_view bytes) {
+    return !fileReplacementError(path, bytes);
 }
 
 } // namespace zuvo

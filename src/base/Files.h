@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace zuvo {
 
@@ -16,5 +17,9 @@ namespace zuvo {
 /// the bytes go to a new file beside it, which then takes its name. False, with the old file untouched and nothing left
 /// behind, if that fails.
 [[nodiscard]] bool replaceFileAtomically(const std::string& path, std::string_view bytes);
+
+/// The same for a caller who tells the user why: the platform's own error, whose `message()` is never empty; no error
+/// if the file was replaced.
+[[nodiscard]] std::error_code fileReplacementError(const std::string& path, std::string_view bytes);
 
 } // namespace zuvo

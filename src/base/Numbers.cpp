@@ -69,4 +69,17 @@ std::int64_t roundedUp(double value) {
     return truncated(std::ceil(value));
 }
 
+std::int64_t rounded(double value) {
+    return truncated(std::round(value));
+}
+
+std::int64_t saturatingSum(std::int64_t a, std::int64_t b) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    if (b > 0 && a > Limits::max() - b)
+        return Limits::max();
+    if (b < 0 && a < Limits::min() - b)
+        return Limits::min();
+    return a + b;
+}
+
 } // namespace zuvo

@@ -30,4 +30,10 @@ namespace zuvo {
 /// The smallest integer not below the value, with the same ends as `truncated`.
 [[nodiscard]] std::int64_t roundedUp(double value);
 
+/// Rounded to the nearest integer, halves away from zero, with the same ends as `truncated`.
+[[nodiscard]] std::int64_t rounded(double value);
+
+/// The sum, or the nearest end of the range if it does not fit 64 bits.
+[[nodiscard]] std::int64_t saturatingSum(std::int64_t a, std::int64_t b);
+
 } // namespace zuvo

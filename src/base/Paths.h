@@ -12,4 +12,8 @@ namespace zuvo {
 /// there is none.
 [[nodiscard]] std::string pathExtension(std::string_view path);
 
+/// The path without its extension and the "." before it: "/a/b.wav" gives "/a/b"; ".wav" and "a." stay as they are.
+/// Slashes at the end of a path with an extension go too. A view into the argument.
+[[nodiscard]] std::string_view withoutExtension(std::string_view path);
+
 } // namespace zuvo

@@ -33,6 +33,9 @@ namespace zuvo {
 /// Without Unicode White_Space (line ends included) at both ends.
 [[nodiscard]] std::string trimWhiteSpace(std::string_view text);
 
+/// With A to Z in lower case and all else as it is. Enough to look for a name in ASCII, such as an extension.
+[[nodiscard]] std::string asciiLowered(std::string_view text);
+
 /// The pieces between separators, empty ones included: "" gives one empty piece, "a," gives two.
 [[nodiscard]] std::vector<std::string_view> split(std::string_view text, char separator);
 

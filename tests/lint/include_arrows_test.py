@@ -32,8 +32,9 @@ class IncludeArrowsTest(unittest.TestCase):
             "tools/standin/main.cpp": '#include "standin/Standin.h"\n#include "steps/Energy.h"\n',
             "tests/unit/pipeline/RunTest.cpp": '#include "pipeline/Run.h"\n#include "standin/Standin.h"\n',
             "tests/unit/steps/EnergyTest.cpp": '#include "steps/Energy.h"\n#include "unit/steps/Lines.h"\n',
+            "tests/unit/exporters_xml/ReadTest.cpp": '#include "exporters/Edl.h"\n#include <QXmlStreamReader>\n',
         })
-        self.assertEqual((status, output), (0, "9 files, every include points downward\n"))
+        self.assertEqual((status, output), (0, "10 files, every include points downward\n"))
 
     def test_an_include_that_points_upward_is_found_with_its_line(self) -> None:
         status, output = self.check({"src/model/Story.h": '#pragma once\n\n#include "steps/Energy.h"\n'})
@@ -72,6 +73,7 @@ class IncludeArrowsTest(unittest.TestCase):
 
     def test_a_test_that_sees_more_than_its_layer_is_found(self) -> None:
         self.assertEqual(self.check({"tests/unit/model/A.cpp": '#include "steps/B.h"\n'})[0], 1)
+        self.assertEqual(self.check({"tests/unit/exporters_xml/A.cpp": '#include "steps/B.h"\n'})[0], 1)
         self.assertEqual(self.check({"tests/unit/steps/A.cpp": '#include "standin/B.h"\n'})[0], 1)
 
     def test_an_include_that_is_not_from_the_include_root_is_found(self) -> None:

@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sys/resource.h>
@@ -162,6 +164,45 @@ TEST_F(Files, aDiskThatFillsUpWhenTheFileIsClosedFailsToo) {
     }
     EXPECT_FALSE(replaced);
     EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(Files, replacingTellsThePlatformsReason) {
+    write("file", "old");
+    std::filesystem::create_directory(in("folder"));
+    EXPECT_EQ(fileReplacementError(in("missing/f"), "x"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(fileReplacementError(in("file/f"), "x"), std::errc::not_a_directory);
+    EXPECT_EQ(fileReplacementError(in("folder"), "x"), std::errc::is_a_directory);
+    EXPECT_THAT(names(), testing::UnorderedElementsAre("file", "folder"));
+}
+
+TEST_F(Files, aReasonHasWords) {
+    EXPECT_EQ(fileReplacementError(in("missing/f"), "x").message(), std::strerror(ENOENT));
+}
+
+TEST_F(Files, aFullDiskIsTheReasonWheneverItIsSeen) {
+    for (const std::size_t size : {std::size_t{20}, std::size_t{100'000}}) {
+        std::error_code error;
+        {
+            // 20 bytes lie in the stream's buffer until the file is closed.
+            const FullDisk disk(10);
+            error = fileReplacementError(in("f"), std::string(size, 'x'));
+        }
+        EXPECT_EQ(error, std::errc::file_too_large) << size;
+        EXPECT_THAT(names(), IsEmpty());
+    }
+}
+
+TEST_F(Files, aReplacedFileHasNoReason) {
+    EXPECT_EQ(fileReplacementError(in("f"), "x"), std::error_code());
+    EXPECT_EQ(readFile(in("f")), "x");
+}
+
+TEST_F(Files, aNameWithAZeroByteReplacesNoOtherFile) {
+    write("f", "old");
+    EXPECT_EQ(fileReplacementError(in(std::string("f\0g", 3)), "x"), std::errc::invalid_argument);
+    EXPECT_EQ(fileReplacementError(in(std::string("f\0/g", 4)), "x"), std::errc::invalid_argument);
+    EXPECT_EQ(readFile(in("f")), "old");
+    EXPECT_THAT(names(), ElementsAre("f"));
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "base/Numbers.h"
 
+#include "support/CommaLocale.h"
+
 #include <gmock/gmock.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
-#include <locale>
 
 namespace zuvo {
 namespace {
@@ -14,34 +14,6 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr auto largestInteger = std::numeric_limits<std::int64_t>::max();
 constexpr auto smallestInteger = std::numeric_limits<std::int64_t>::min();
-
-/// A desktop that writes 1.234,5 for 1234.5.
-class CommaDigits : public std::numpunct<char> {
-protected:
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-/// The C++ locale with decimal commas, and the C library's too on machines that have such a one installed.
-class CommaLocale {
-public:
-    CommaLocale() {
-        std::locale::global(std::locale(std::locale::classic(), new CommaDigits));
-        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
-            if (std::setlocale(LC_ALL, name) != nullptr)
-                break;
-    }
-    ~CommaLocale() {
-        std::setlocale(LC_ALL, "C");
-        std::locale::global(before);
-    }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-
-private:
-    std::locale before;
-};
 
 TEST(ParseDouble, readsDecimalNumbers) {
     EXPECT_EQ(parseDouble("0"), 0.0);
@@ -140,7 +112,7 @@ TEST(FixedText, survivesWhatIsNoNumber) {
 }
 
 TEST(NumberForms, doNotDependOnTheDesktopsLocale) {
-    const CommaLocale locale;
+    const tests::CommaLocale locale;
     EXPECT_EQ(plainText(1234.5), "1234.5");
     EXPECT_EQ(plainText(1234567.0), "1234567.0");
     EXPECT_EQ(fixedText(1234567.25, 1), "1234567.2");
@@ -175,6 +147,38 @@ TEST(RoundedUp, isTheSmallestIntegerNotBelow) {
     EXPECT_EQ(roundedUp(-2.5), -2);
     EXPECT_EQ(roundedUp(1e300), largestInteger);
     EXPECT_EQ(roundedUp(notANumber), 0);
+}
+
+TEST(Rounded, goesToTheNearestAndFromAHalfAwayFromZero) {
+    EXPECT_EQ(rounded(2.4), 2);
+    EXPECT_EQ(rounded(2.5), 3);
+    EXPECT_EQ(rounded(3.5), 4);
+    EXPECT_EQ(rounded(-2.4), -2);
+    EXPECT_EQ(rounded(-2.5), -3);
+    EXPECT_EQ(rounded(0.49999999999999994), 0); // the double below a half
+    EXPECT_EQ(rounded(4503599627370497.0), 4503599627370497);
+}
+
+TEST(Rounded, givesTheNearestEndBeyond64BitsAndZeroForNoNumber) {
+    EXPECT_EQ(rounded(1e300), largestInteger);
+    EXPECT_EQ(rounded(-infinity), smallestInteger);
+    EXPECT_EQ(rounded(notANumber), 0);
+}
+
+TEST(SaturatingSum, isTheSumIfItFits) {
+    EXPECT_EQ(saturatingSum(2, 3), 5);
+    EXPECT_EQ(saturatingSum(-2, 3), 1);
+    EXPECT_EQ(saturatingSum(largestInteger, smallestInteger), -1);
+    EXPECT_EQ(saturatingSum(largestInteger - 1, 1), largestInteger);
+    EXPECT_EQ(saturatingSum(smallestInteger + 1, -1), smallestInteger);
+    EXPECT_EQ(saturatingSum(smallestInteger, 0), smallestInteger);
+}
+
+TEST(SaturatingSum, isTheNearestEndIfItDoesNot) {
+    EXPECT_EQ(saturatingSum(largestInteger, 1), largestInteger);
+    EXPECT_EQ(saturatingSum(1, largestInteger), largestInteger);
+    EXPECT_EQ(saturatingSum(smallestInteger, -1), smallestInteger);
+    EXPECT_EQ(saturatingSum(smallestInteger, smallestInteger), smallestInteger);
 }
 
 } // namespace

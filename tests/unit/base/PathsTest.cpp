@@ -39,5 +39,16 @@ TEST(PathExtension, isEmptyWithoutAPointInTheLastComponent) {
     EXPECT_EQ(pathExtension("/"), "");
 }
 
+TEST(WithoutExtension, keepsWhatStandsBeforeTheLastPoint) {
+    EXPECT_EQ(withoutExtension("/a/b.tar.gz"), "/a/b.tar");
+    EXPECT_EQ(withoutExtension("Renée.MOV"), "Renée");
+    EXPECT_EQ(withoutExtension("/a.b/c.wav//"), "/a.b/c");
+}
+
+TEST(WithoutExtension, isTheWholePathIfThereIsNone) {
+    for (const char* path : {"", "source", "/a.b/c", "/a/.wav", "/a/a.", ".", "/", "a/", "a.b/c/"})
+        EXPECT_EQ(withoutExtension(path), path);
+}
+
 } // namespace
 } // namespace zuvo

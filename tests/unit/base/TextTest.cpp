@@ -159,5 +159,12 @@ TEST(PluralS, isEmptyForExactlyOne) {
     EXPECT_EQ(pluralS(2), "s");
 }
 
+TEST(AsciiLowered, changesTheLettersFromAToZAlone) {
+    EXPECT_EQ(asciiLowered("Clip 01.WAV"), "clip 01.wav");
+    EXPECT_EQ(asciiLowered("@AZ[`az{"), "@az[`az{");
+    EXPECT_EQ(asciiLowered("ÄÖÜ\xFF"), "ÄÖÜ\xFF");
+    EXPECT_EQ(asciiLowered(""), "");
+}
+
 } // namespace
 } // namespace zuvo

@@ -21,6 +21,9 @@ constexpr const char* generalHelp =
                                                of the same media in this very start, so: --mine-first
   zuvo build                                   build the last story, segments.json, as a timeline in Resolve
   zuvo timelines                               list the timelines of the project open in Resolve
+  zuvo export edl|fcpxml|premiere --project NAME [--fps N]
+                                               write a project's story for another editing system, at 24 frames a
+                                               second unless told otherwise
   zuvo projects                                list the saved projects, newest first
   zuvo projects delete NAME                    remove a project with its exports
   zuvo clear-caches                            remove caches, but not paid-for transcripts
@@ -44,6 +47,10 @@ other options:
 
 The exit status is 0 for a finished task, 1 for a failed one, 2 for wrong usage and 130 after Ctrl-C.
 )";
+
+/// Frame rates beyond these are typing errors.
+constexpr double lowestRate = 1.0;
+constexpr double highestRate = 1000.0;
 
 struct UsageError {
     std::string message;
@@ -186,6 +193,39 @@ Command parseWithJson(const QStringList& words, const char* name) {
     return WithJson{parser.isSet(QStringLiteral("json"))};
 }
 
+std::optional<ExportFormat> exportFormat(const QString& word) {
+    if (word == QLatin1String("edl"))
+        return ExportFormat::edl;
+    if (word == QLatin1String("fcpxml"))
+        return ExportFormat::fcpxml;
+    if (word == QLatin1String("premiere"))
+        return ExportFormat::premiere;
+    return std::nullopt;
+}
+
+double parseFramesPerSecond(const std::string& text) {
+    const auto rate = parseDouble(text);
+    if (!rate || *rate < lowestRate || *rate > highestRate)
+        throw UsageError{"--fps takes a frame rate from 1 to 1000, such as 25 or 23.976, not \"" + text + "\""};
+    return *rate;
+}
+
+Command parseExport(const QStringList& words) {
+    QCommandLineParser parser;
+    parser.addOption(valueOption("project"));
+    parser.addOption(valueOption("fps"));
+    parseWords(parser, words);
+    const auto rest = parser.positionalArguments();
+    const auto format = rest.size() == 1 ? exportFormat(rest[0]) : std::nullopt;
+    const auto project = value(parser, "project");
+    if (!format || !project)
+        throw UsageError{"write \"zuvo export edl --project NAME\", with fcpxml or premiere in place of edl"};
+    ExportCommand command{*format, *project};
+    if (const auto text = value(parser, "fps"))
+        command.framesPerSecond = parseFramesPerSecond(*text);
+    return command;
+}
+
 Command parseProjects(const QStringList& words) {
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("json"), QString()});
@@ -226,6 +266,8 @@ Command parseCommand(const QStringList& words) {
         return parseWithJson<BuildCommand>(rest, "build");
     if (words[0] == QLatin1String("timelines"))
         return parseWithJson<TimelinesCommand>(rest, "timelines");
+    if (words[0] == QLatin1String("export"))
+        return parseExport(rest);
     if (words[0] == QLatin1String("projects"))
         return parseProjects(rest);
     if (words[0] == QLatin1String("clear-caches"))

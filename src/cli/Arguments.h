@@ -58,6 +58,16 @@ struct TimelinesCommand {
     bool json = false;
 };
 
+/// The forms in which other editing systems take a story.
+enum class ExportFormat { edl, fcpxml, premiere };
+
+/// Writes a saved project's story for another editing system.
+struct ExportCommand {
+    ExportFormat format = ExportFormat::edl;
+    std::string project;
+    double framesPerSecond = 24.0;
+};
+
 struct ProjectsCommand {
     bool json = false;
 };
@@ -83,8 +93,8 @@ struct WrongUsage {
 };
 
 using Command = std::variant<MineFilesCommand, MineTimelineCommand, ReloadCommand, AuditCommand, BuildCommand,
-                             TimelinesCommand, ProjectsCommand, DeleteProjectCommand, ClearCachesCommand, KeysCommand,
-                             VersionCommand, HelpCommand, WrongUsage>;
+                             TimelinesCommand, ExportCommand, ProjectsCommand, DeleteProjectCommand, ClearCachesCommand,
+                             KeysCommand, VersionCommand, HelpCommand, WrongUsage>;
 
 /// What the words after the program's name ask for.
 [[nodiscard]] Command parseArguments(const QStringList& words);

@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "cli/Console.h"
+#include "cli/Export.h"
 #include "cli/Interrupts.h"
 #include "cli/Streams.h"
 #include "platform/FileSystem.h"
@@ -13,6 +14,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTimer>
+#include <functional>
 #include <unistd.h>
 
 namespace zuvo {
@@ -77,12 +79,10 @@ std::string connectionFailure(const ResolveBridge& bridge) {
     return status;
 }
 
-QCoro::Task<> listTimelinesAndQuit(std::shared_ptr<ResolveBridge> bridge, bool json) {
+QCoro::Task<ExitStatus> listTimelines(std::shared_ptr<ResolveBridge> bridge, bool json) {
     co_await bridge->connect();
-    if (!bridge->isConnected()) {
-        QCoreApplication::exit(static_cast<int>(failWith(connectionFailure(*bridge))));
-        co_return;
-    }
+    if (!bridge->isConnected())
+        co_return failWith(connectionFailure(*bridge));
     co_await bridge->getTimelines();
     for (const auto& name : bridge->timelines()) {
         const OrderedJson object = {{"timeline", name}};
@@ -90,7 +90,23 @@ QCoro::Task<> listTimelinesAndQuit(std::shared_ptr<ResolveBridge> bridge, bool j
     }
     if (bridge->timelines().empty() && !json)
         print("There are no timelines in the open project.\n");
-    QCoreApplication::exit(static_cast<int>(ExitStatus::complete));
+    co_return ExitStatus::complete;
+}
+
+QCoro::Task<> quitAfter(std::function<QCoro::Task<ExitStatus>()> operation) {
+    auto status = ExitStatus::failed;
+    try {
+        status = co_await operation();
+    } catch (const std::exception& error) {
+        status = failWith(std::string("it ended by an unforeseen failure: ") + error.what());
+    }
+    QCoreApplication::exit(static_cast<int>(status));
+}
+
+/// Runs the event loop for one operation, until that has ended.
+ExitStatus runToEnd(std::function<QCoro::Task<ExitStatus>()> operation) {
+    QTimer::singleShot(0, [operation = std::move(operation)] { quitAfter(operation); });
+    return static_cast<ExitStatus>(QCoreApplication::exec());
 }
 
 std::string dateText(double secondsSince1970) {
@@ -139,8 +155,12 @@ struct Carrier {
 
     ExitStatus operator()(const TimelinesCommand& command) const {
         const auto bridge = ResolveBridge::create(platform);
-        QTimer::singleShot(0, bridge.get(), [bridge, json = command.json] { listTimelinesAndQuit(bridge, json); });
-        return static_cast<ExitStatus>(QCoreApplication::exec());
+        return runToEnd([bridge, json = command.json] { return listTimelines(bridge, json); });
+    }
+
+    ExitStatus operator()(const ExportCommand& command) const {
+        const auto pipeline = LocalPipeline::create(platform);
+        return runToEnd([pipeline, command] { return exportProject(pipeline, command); });
     }
 
     ExitStatus operator()(const ProjectsCommand& command) const {

@@ -116,6 +116,16 @@ TEST(Arguments, anAuditTakesATimelineAndCanMineItFirst) {
     EXPECT_TRUE(parseAs<AuditCommand>({"audit", "--timeline", "a", "--json"}).json);
 }
 
+TEST(Arguments, anExportTakesAFormatAProjectAndARate) {
+    const auto edl = parseAs<ExportCommand>({"export", "edl", "--project", "My film"});
+    EXPECT_EQ(edl.format, ExportFormat::edl);
+    EXPECT_EQ(edl.project, "My film");
+    EXPECT_EQ(edl.framesPerSecond, 24.0);
+    EXPECT_EQ(parseAs<ExportCommand>({"export", "--project=a", "fcpxml", "--fps", "23.976"}).framesPerSecond, 23.976);
+    EXPECT_EQ(parseAs<ExportCommand>({"export", "fcpxml", "--project", "a"}).format, ExportFormat::fcpxml);
+    EXPECT_EQ(parseAs<ExportCommand>({"export", "premiere", "--project", "a"}).format, ExportFormat::premiere);
+}
+
 TEST(Arguments, buildsAndTimelinesTakeTheJsonFormAlone) {
     EXPECT_FALSE(parseAs<BuildCommand>({"build"}).json);
     EXPECT_TRUE(parseAs<BuildCommand>({"build", "--json"}).json);
@@ -174,6 +184,15 @@ TEST(Arguments, wrongUsageSaysWhatToWrite) {
         {{"projects", "delete"}, "write \"zuvo projects\" or \"zuvo projects delete NAME\""},
         {{"audit"}, "write \"zuvo audit --timeline NAME\", with --mine-first to mine that timeline beforehand"},
         {{"audit", "Cut"}, "write \"zuvo audit --timeline NAME\", with --mine-first to mine that timeline beforehand"},
+        {{"export", "edl"}, "write \"zuvo export edl --project NAME\", with fcpxml or premiere in place of edl"},
+        {{"export", "aaf", "--project", "a"},
+         "write \"zuvo export edl --project NAME\", with fcpxml or premiere in place of edl"},
+        {{"export", "edl", "fcpxml", "--project", "a"},
+         "write \"zuvo export edl --project NAME\", with fcpxml or premiere in place of edl"},
+        {{"export", "edl", "--project", "a", "--fps", "0"},
+         "--fps takes a frame rate from 1 to 1000, such as 25 or 23.976, not \"0\""},
+        {{"export", "edl", "--project", "a", "--fps", "nan"},
+         "--fps takes a frame rate from 1 to 1000, such as 25 or 23.976, not \"nan\""},
         {{"build", "Cut"}, "zuvo build takes nothing behind it but --json"},
         {{"timelines", "Cut"}, "zuvo timelines takes nothing behind it but --json"},
         {{"clear-caches", "all"}, "zuvo clear-caches takes nothing behind it"},

@@ -76,6 +76,8 @@ std::string connectionFailure(const ResolveBridge& bridge) {
         return ResolveBridgeError::description(Case::noCurrentProject);
     if (status == "Python not found")
         return ResolveBridgeError::description(Case::pythonNotFound);
+    if (status.find("DaVinciResolveScript") != std::string::npos)
+        return "Python does not find DaVinci Resolve's scripting module. Is Resolve Studio installed? (" + status + ")";
     return status;
 }
 

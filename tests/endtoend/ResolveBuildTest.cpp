@@ -228,7 +228,10 @@ TEST_F(ResolveBuildTest, whyThereAreNoTimelinesIsSaidInWords) {
 TEST_F(ResolveBuildTest, withoutResolveOnTheMachineTheListFailsWithPythonsWords) {
     ending = world.zuvo({"timelines"});
     thenItEndsWith(1);
-    EXPECT_THAT(ending.errors, AllOf(StartsWith("zuvo: "), HasSubstr("DaVinciResolveScript")));
+    EXPECT_THAT(ending.errors,
+                AllOf(StartsWith("zuvo: Python does not find DaVinci Resolve's scripting module. Is Resolve Studio "
+                                 "installed? ("),
+                      HasSubstr("DaVinciResolveScript")));
     EXPECT_THAT(ending.output, IsEmpty());
 }
 

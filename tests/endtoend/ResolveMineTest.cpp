@@ -223,13 +223,17 @@ TEST_F(ResolveMineTest, everyCardHasACyanMarkerUnlessAChapterStandsThere) {
 }
 
 TEST_F(ResolveMineTest, theClipsAreWholeAgainInTheMediaPool) {
-    for (const auto& clip : mined.resolve().at("mediaPool").at("clips")) {
+    const auto resolve = mined.resolve();
+    std::size_t clips = 0;
+    for (const auto& clip : resolve.at("mediaPool").at("clips")) {
         const std::string path = clip.value("File Path", "");
         if (path.ends_with(".srt"))
             continue;
         EXPECT_EQ(clip.at("In"), "00:00:00:00") << path;
         EXPECT_EQ(clip.at("Out"), clip.at("End TC")) << path;
+        ++clips;
     }
+    EXPECT_EQ(clips, 2U);
 }
 
 TEST_F(ResolveMineTest, theBuildLeavesItsTraces) {

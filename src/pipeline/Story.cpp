@@ -66,7 +66,7 @@ QCoro::Task<std::optional<std::string>> LocalPipeline::askModel(std::string prom
     request.headers = {{"x-api-key", key}, {"anthropic-version", "2023-06-01"}, {"content-type", "application/json"}};
     request.body = *body;
     request.timeout = m_timeouts.messages;
-    const auto answer = co_await m_platform.http->post(std::move(request));
+    const auto answer = co_await m_platform.http->send(std::move(request));
     if (answer.hasFailed()) {
         log("  Claude request failed: " + answer.failure, LogColor::accent);
         co_return std::nullopt;

@@ -43,7 +43,7 @@ QCoro::Task<std::optional<HttpAnswer>> LocalPipeline::postAudio(std::string path
     request.body.reserve(frame.head.size() + audio->size() + frame.tail.size());
     request.body.append(frame.head).append(*audio).append(frame.tail);
     audio.reset();
-    answer = co_await m_platform.http->post(std::move(request));
+    answer = co_await m_platform.http->send(std::move(request));
     co_return answer;
 }
 

@@ -110,4 +110,8 @@ std::string Environment::cacheFolder() const {
     return home + "/Library/Caches/ZuvoManager";
 }
 
+std::string Environment::tokenFile() const {
+    return home + "/.zuvo/token.json";
+}
+
 } // namespace zuvo

@@ -46,6 +46,9 @@ struct Environment {
 
     /// "{home}/Library/Caches/ZuvoManager"
     [[nodiscard]] std::string cacheFolder() const;
+
+    /// "{home}/.zuvo/token.json"
+    [[nodiscard]] std::string tokenFile() const;
 };
 
 /// The fixed place of a tool: /opt/homebrew/bin/{name} if that file exists, else on systems that are not macOS

@@ -114,10 +114,13 @@ bool isWholeAnswer(const QNetworkReply& reply) {
 }
 
 /// Starts the request. The manager owns the reply, and the reply its body.
-QNetworkReply* send(QNetworkAccessManager& manager, HttpRequest request) {
+QNetworkReply* start(QNetworkAccessManager& manager, HttpRequest request) {
     const auto prepared = networkRequest(request);
     auto* body = new OneWayBody(std::move(request.body));
-    auto* reply = manager.post(prepared, body);
+    // As a custom request a GET has a body too, if an empty one: without one it would be repeated.
+    auto* reply = request.method == "POST"
+                      ? manager.post(prepared, body)
+                      : manager.sendCustomRequest(prepared, QByteArray::fromStdString(request.method), body);
     body->setParent(reply);
     return reply;
 }
@@ -143,7 +146,7 @@ NetworkHttpClient::~NetworkHttpClient() {
     }
 }
 
-QCoro::Task<HttpAnswer> NetworkHttpClient::post(HttpRequest request) {
+QCoro::Task<HttpAnswer> NetworkHttpClient::send(HttpRequest request) {
     HttpAnswer answer;
     answer.failure = refusalOf(request);
     if (answer.hasFailed())
@@ -154,7 +157,7 @@ QCoro::Task<HttpAnswer> NetworkHttpClient::post(HttpRequest request) {
     const auto limit = m_answerLimit;
     bool tooLong = false;
     QNetworkAccessManager manager; // owns the reply
-    auto* reply = send(manager, std::move(request));
+    auto* reply = start(manager, std::move(request));
     std::erase_if(m_waiting, [](const QPointer<QNetworkReply>& known) { return known.isNull(); });
     m_waiting.emplace_back(reply);
     breakOffBeyond(limit, reply, tooLong);

@@ -11,7 +11,7 @@
 
 namespace zuvo {
 
-/// One POST to a service.
+/// One request to a service.
 struct HttpRequest {
     std::string url;
     std::vector<std::pair<std::string, std::string>> headers;
@@ -19,6 +19,8 @@ struct HttpRequest {
 
     /// The request fails once nothing has come or gone for that long. The head of the answer counts as one piece.
     std::chrono::milliseconds timeout{0};
+
+    std::string method = "POST";
 };
 
 /// A longer answer, in bytes, is a failure of the request.
@@ -40,7 +42,7 @@ class HttpClient : public QObject {
     Q_OBJECT
 public:
     /// Never fails as a coroutine: a failure is an answer.
-    virtual QCoro::Task<HttpAnswer> post(HttpRequest request) = 0;
+    virtual QCoro::Task<HttpAnswer> send(HttpRequest request) = 0;
 };
 
 /// The platform's network access. Each request has a connection of its own: one that was kept may be closed by the
@@ -54,7 +56,7 @@ public:
     /// Requests that still wait end with a failure.
     ~NetworkHttpClient() override;
 
-    QCoro::Task<HttpAnswer> post(HttpRequest request) override;
+    QCoro::Task<HttpAnswer> send(HttpRequest request) override;
 
 private:
     qint64 m_answerLimit;

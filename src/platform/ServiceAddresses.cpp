@@ -1,6 +1,7 @@
 #include "platform/ServiceAddresses.h"
 
 #include "base/Text.h"
+#include "model/Constants.h"
 
 #include <QHostAddress>
 #include <QString>
@@ -15,6 +16,8 @@ constexpr const char* transcriptionVariable = "OPENAI_BASE_URL";
 constexpr const char* transcriptionDefault = "https://api.openai.com/v1";
 constexpr const char* messagesVariable = "ANTHROPIC_BASE_URL";
 constexpr const char* messagesDefault = "https://api.anthropic.com";
+constexpr const char* accountVariable = "ZUVO_SERVICE_URL";
+constexpr const char* accountDefault = "https://" ZUVO_SERVICE_HOST;
 
 std::string withoutTrailingSlashes(std::string address) {
     while (address.ends_with('/'))
@@ -93,6 +96,19 @@ ServiceAddress messagesAddress(const Environment& environment) {
     if (base.ends_with(version))
         base.resize(base.size() - version.size());
     return serviceAddress(withoutTrailingSlashes(base), messagesVariable, "/v1/messages");
+}
+
+AccountAddresses accountAddresses(const Environment& environment) {
+    const auto base = baseAddress(environment, accountVariable, accountDefault);
+    auto refusal = refusalOfBaseAddress(base, accountVariable);
+    if (refusal.empty() && !QUrl(QString::fromStdString(base)).path().isEmpty())
+        refusal = std::string(accountVariable) + " must be scheme, host and port alone";
+    if (!refusal.empty())
+        return {{}, {}, {}, std::move(refusal)};
+    const auto moved = [&base](std::string_view built) {
+        return base + std::string(built.substr(std::string_view(accountDefault).size()));
+    };
+    return {moved(Constants::API::baseURL), moved(Constants::API::authURL), moved(Constants::API::billingURL), {}};
 }
 
 } // namespace zuvo

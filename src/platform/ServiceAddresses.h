@@ -24,6 +24,19 @@ struct ServiceAddress {
 /// {ANTHROPIC_BASE_URL, less a "/v1" at its end}/v1/messages
 [[nodiscard]] ServiceAddress messagesAddress(const Environment& environment);
 
+/// The addresses of the account service: those of `Constants::API`, with the scheme, host and port of ZUVO_SERVICE_URL in
+/// place of their own if it is set. All three are empty if it is refused.
+struct AccountAddresses {
+    std::string baseURL;
+    std::string authURL;
+    std::string billingURL;
+    std::string refusal; ///< empty if accepted
+
+    [[nodiscard]] bool isRefused() const { return !refusal.empty(); }
+};
+
+[[nodiscard]] AccountAddresses accountAddresses(const Environment& environment);
+
 /// Why a base address may not be used, or an empty text. `variable` is named in the refusal.
 [[nodiscard]] std::string refusalOfBaseAddress(const std::string& base, const std::string& variable);
 

@@ -20,7 +20,7 @@ DIRECT = {
     "resolve": ["platform", "steps"],
     "pipeline": ["resolve", "platform", "steps"],
     "account": ["platform"],
-    "plugin": ["platform"],
+    "plugin": ["account"],  # asks the account service for the newest version
     "ui": ["pipeline", "account", "plugin", "exporters"],
     "app": ["ui"],
     "cli": ["pipeline", "account", "plugin", "exporters"],

@@ -121,7 +121,7 @@ std::vector<std::string> FakeProcessRunner::commandLines() const {
     return lines;
 }
 
-QCoro::Task<HttpAnswer> FakeHttpClient::post(HttpRequest request) {
+QCoro::Task<HttpAnswer> FakeHttpClient::send(HttpRequest request) {
     requests.push_back(request);
     const auto calls = m_calls;
     co_await calls->turn();

@@ -75,7 +75,7 @@ class FakeHttpClient final : public HttpClient {
 public:
     explicit FakeHttpClient(std::shared_ptr<CallCounter> calls) : m_calls(std::move(calls)) {}
 
-    QCoro::Task<HttpAnswer> post(HttpRequest request) override;
+    QCoro::Task<HttpAnswer> send(HttpRequest request) override;
 
     void then(HttpAnswer answer) { m_plan.push_back(std::move(answer)); }
     void then(int status, std::string body) { then(HttpAnswer{status, std::move(body), {}}); }

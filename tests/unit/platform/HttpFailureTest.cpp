@@ -24,7 +24,7 @@ protected:
         return {server.url("/v1/messages"), {{"x-api-key", "key-1"}}, "the body", timeout};
     }
 
-    HttpAnswer post(HttpRequest toSend) { return runToEnd(client.post(std::move(toSend))); }
+    HttpAnswer post(HttpRequest toSend) { return runToEnd(client.send(std::move(toSend))); }
     HttpAnswer post() { return post(request()); }
 
     void thenClosed(const HttpAnswer& got) {

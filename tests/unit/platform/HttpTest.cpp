@@ -25,7 +25,7 @@ protected:
         return {server.url(path), {{"x-api-key", "key-1"}}, "the body", longTimeout};
     }
 
-    HttpAnswer post(HttpRequest toSend) { return runToEnd(client->post(std::move(toSend))); }
+    HttpAnswer post(HttpRequest toSend) { return runToEnd(client->send(std::move(toSend))); }
     HttpAnswer post() { return post(request()); }
 
     RawServer server;
@@ -169,9 +169,9 @@ TEST_F(Http, aHeaderValueWithALineEndIsRefusedAndNothingIsSent) {
 TEST_F(Http, twoRequestsAtOnceGetTheirOwnAnswers) {
     server.then(answerAfter(100ms, httpAnswer(200, "slow")));
     server.then(answer(httpAnswer(201, "quick")));
-    RunningTask<HttpAnswer> first(client->post(request("/first")));
+    RunningTask<HttpAnswer> first(client->send(request("/first")));
     ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
-    RunningTask<HttpAnswer> second(client->post(request("/second")));
+    RunningTask<HttpAnswer> second(client->send(request("/second")));
     EXPECT_EQ(second.result().body, "quick");
     EXPECT_FALSE(first.hasEnded());
     EXPECT_EQ(first.result().body, "slow");
@@ -180,7 +180,7 @@ TEST_F(Http, twoRequestsAtOnceGetTheirOwnAnswers) {
 
 TEST_F(Http, aRequestThatWaitsEndsWithItsClient) {
     server.then(stall());
-    RunningTask<HttpAnswer> waiting(client->post(request()));
+    RunningTask<HttpAnswer> waiting(client->send(request()));
     ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
     client.reset();
     const auto got = waiting.result();

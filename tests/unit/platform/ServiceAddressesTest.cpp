@@ -208,3 +208,30 @@ TEST(ServiceAddresses, aRefusalDoesNotShowAPassword) {
         EXPECT_THAT(refusalOfBaseAddress(base, "X"), Not(HasSubstr("secret"))) << base;
     }
 }
+
+TEST(ServiceAddresses, theAccountServiceLivesOnTheReservedHostUnlessBuiltOtherwise) {
+    const auto addresses = accountAddresses(environmentWith({}));
+    EXPECT_EQ(addresses.baseURL, "https://zuvo.invalid/api/v1");
+    EXPECT_EQ(addresses.authURL, "https://zuvo.invalid/plugin-auth?callback=zuvo-manager%3A%2F%2Fcallback");
+    EXPECT_EQ(addresses.billingURL, "https://zuvo.invalid/billing");
+    EXPECT_FALSE(addresses.isRefused());
+}
+
+TEST(ServiceAddresses, theServiceUrlReplacesSchemeHostAndPortOfAllThreeAccountAddresses) {
+    for (const std::string written : {"http://127.0.0.1:8080", "http://127.0.0.1:8080/", " http://127.0.0.1:8080// "}) {
+        const auto addresses = accountAddresses(environmentWith({{"ZUVO_SERVICE_URL", written}}));
+        EXPECT_EQ(addresses.baseURL, "http://127.0.0.1:8080/api/v1");
+        EXPECT_EQ(addresses.authURL, "http://127.0.0.1:8080/plugin-auth?callback=zuvo-manager%3A%2F%2Fcallback");
+        EXPECT_EQ(addresses.billingURL, "http://127.0.0.1:8080/billing");
+    }
+}
+
+TEST(ServiceAddresses, aServiceUrlThatIsMoreThanSchemeHostAndPortOrNotSafeIsRefused) {
+    for (const std::string written : {"https://a.example/api", "https://a.example/?x=1", "https://me:pw@a.example",
+                                      "http://a.example", "a.example", "ftp://127.0.0.1"}) {
+        const auto addresses = accountAddresses(environmentWith({{"ZUVO_SERVICE_URL", written}}));
+        EXPECT_TRUE(addresses.isRefused()) << written;
+        EXPECT_THAT(addresses.refusal, StartsWith("ZUVO_SERVICE_URL ")) << written;
+        EXPECT_EQ(addresses.baseURL + addresses.authURL + addresses.billingURL, "") << written;
+    }
+}

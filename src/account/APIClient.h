@@ -1,0 +1,47 @@
+#pragma once
+
+#include "account/APIError.h"
+#include "model/Account.h"
+#include "platform/Http.h"
+#include "platform/ServiceAddresses.h"
+
+#include <QCoroTask>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace zuvo {
+
+/// The client of the account service. It keeps nothing between requests, and each is sent once. Copies share the HTTP
+/// client. A task that runs needs neither the object nor its copy any more.
+///
+/// Every operation fails by throwing an `APIError`. An address that `ZUVO_SERVICE_URL` names and that is refused is a
+/// networkError with the reason, before anything is sent.
+class APIClient {
+public:
+    APIClient(std::shared_ptr<HttpClient> http, AccountAddresses addresses)
+        : m_http(std::move(http)), m_addresses(std::move(addresses)) {}
+
+    /// The body of the answer to {baseURL}{endpoint}, which are joined as they stand.
+    [[nodiscard]] QCoro::Task<std::string> request(std::string endpoint, std::optional<std::string> token = {},
+                                                   std::string method = "GET",
+                                                   std::optional<std::string> body = {}) const;
+
+    /// Who the token belongs to.
+    [[nodiscard]] QCoro::Task<UserInfo> getMe(std::string token) const;
+
+    /// The newest plugin version; asked without a token.
+    [[nodiscard]] QCoro::Task<VersionInfo> getVersion() const;
+
+    /// A token is valid if the service says whose it is: the same as `getMe`.
+    [[nodiscard]] QCoro::Task<UserInfo> validateToken(std::string token) const;
+
+    [[nodiscard]] const AccountAddresses& addresses() const { return m_addresses; }
+    [[nodiscard]] const std::shared_ptr<HttpClient>& http() const { return m_http; }
+
+private:
+    std::shared_ptr<HttpClient> m_http;
+    AccountAddresses m_addresses;
+};
+
+} // namespace zuvo

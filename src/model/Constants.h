@@ -1,0 +1,32 @@
+#pragma once
+
+#include "model/ServiceHost.h"
+
+/// The fixed values of the application.
+namespace zuvo::Constants {
+
+/// Addresses of the account service as built. A program asks `accountAddresses` (platform/ServiceAddresses.h), which
+/// lets the user's environment stand in for the host.
+namespace API {
+inline constexpr const char* baseURL = "https://" ZUVO_SERVICE_HOST "/api/v1";
+/// Sends the browser on to zuvo-manager://callback with a token.
+inline constexpr const char* authURL =
+    "https://" ZUVO_SERVICE_HOST "/plugin-auth?callback=zuvo-manager%3A%2F%2Fcallback";
+inline constexpr const char* billingURL = "https://" ZUVO_SERVICE_HOST "/billing";
+} // namespace API
+
+namespace App {
+inline constexpr const char* version = "1.0.0";
+inline constexpr const char* pluginVersion = "0.1.0-beta";
+inline constexpr const char* bundleIdentifier = "com.tarnwick.zuvo-manager";
+inline constexpr const char* minResolveVersion = "18";
+} // namespace App
+
+/// Places that do not depend on who runs the program; those that do are `Environment`'s.
+namespace Paths {
+/// Where DaVinci Resolve looks for this application's plugin, for every user of the machine.
+inline constexpr const char* pluginDirectory = "/Library/Application Support/Blackmagic Design/DaVinci Resolve/"
+                                               "Workflow Integration Plugins/com.tarnwick.zuvo";
+} // namespace Paths
+
+} // namespace zuvo::Constants

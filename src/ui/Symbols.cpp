@@ -1,0 +1,80 @@
+#include "ui/Symbols.h"
+
+#include <QPainter>
+#include <QSvgRenderer>
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace zuvo {
+
+namespace {
+
+constexpr int standardEdge = 16;
+
+using Row = std::pair<std::string_view, std::string_view>;
+
+// Symbol name, file name without ".svg". Sorted by symbol name.
+constexpr std::array table = {
+    Row{"arrow.clockwise", "arrow-clockwise"},
+    Row{"arrow.down.circle.fill", "arrow-down-circle-fill"},
+    Row{"arrow.triangle.2.circlepath", "arrow-repeat"},
+    Row{"checkmark", "check-lg"},
+    Row{"checkmark.circle.fill", "check-circle-fill"},
+    Row{"creditcard.fill", "credit-card-fill"},
+    Row{"diamond.fill", "diamond-fill"},
+    Row{"exclamationmark.triangle.fill", "exclamation-triangle-fill"},
+    Row{"globe", "globe"},
+    Row{"key.fill", "key-fill"},
+    Row{"person.circle", "person-circle"},
+    Row{"plus.circle.fill", "plus-circle-fill"},
+    Row{"puzzlepiece.extension.fill", "puzzle-fill"},
+    Row{"rectangle.portrait.and.arrow.right", "box-arrow-right"},
+    Row{"square.and.arrow.down.fill", "box-arrow-in-down"},
+    Row{"trash.fill", "trash-fill"},
+    Row{"waveform.badge.magnifyingglass", "waveform-badge-magnifyingglass"}, // ours
+};
+
+} // namespace
+
+QString symbolFile(const QString& name) {
+    const auto key = name.toStdString();
+    const auto* const found =
+        std::find_if(table.begin(), table.end(), [&key](const Row& row) { return row.first == key; });
+    if (found == table.end())
+        return {};
+    return QStringLiteral(":/symbols/%1.svg").arg(QString::fromUtf8(found->second));
+}
+
+QStringList symbolNames() {
+    QStringList names;
+    for (const auto& row : table)
+        names.append(QString::fromUtf8(row.first));
+    return names;
+}
+
+QImage symbolImage(const QString& name, const QColor& color, const QSize& size) {
+    QSvgRenderer drawing(symbolFile(name));
+    if (!drawing.isValid() || size.isEmpty())
+        return {};
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    drawing.render(&painter);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    return image;
+}
+
+QImage SymbolProvider::requestImage(const QString& id, QSize* size, const QSize& requestedSize) {
+    const auto slash = id.lastIndexOf(QLatin1Char('/'));
+    const auto wanted = QSize(requestedSize.width() > 0 ? requestedSize.width() : standardEdge,
+                              requestedSize.height() > 0 ? requestedSize.height() : standardEdge);
+    auto image = symbolImage(id.left(slash), QColor(id.mid(slash + 1)), wanted);
+    if (size != nullptr)
+        *size = image.size();
+    return image;
+}
+
+} // namespace zuvo

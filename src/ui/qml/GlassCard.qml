@@ -1,0 +1,23 @@
+import QtQuick
+
+/// A raised card with a soft shadow.
+CardLayout {
+    id: card
+
+    property real cornerRadius: Theme.radiusLg
+
+    SoftShadow {
+        parent: card
+        anchors.fill: parent
+        radius: 16
+        offsetY: 6
+        cornerRadius: card.cornerRadius
+    }
+    CardSurface {
+        parent: card
+        anchors.fill: parent
+        cornerRadius: card.cornerRadius
+        borderTop: Theme.faded(Theme.border, 0.25)
+        borderBottom: Theme.faded(Theme.border, 0.2)
+    }
+}

@@ -1,0 +1,2 @@
+/// The pickaxe as the pages show it.
+PixelPickaxe { }

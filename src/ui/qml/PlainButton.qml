@@ -1,0 +1,29 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// A control that is pressed: by the pointer, by the space bar and by Return. What it looks like is its content's.
+T.AbstractButton {
+    id: button
+
+    property real ringRadius: Theme.radiusXs
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+
+    Keys.onReturnPressed: event => press(event)
+    Keys.onEnterPressed: event => press(event)
+
+    function press(event) {
+        if (event.isAutoRepeat)
+            return;
+        button.click();
+    }
+
+    HoverHandler { cursorShape: button.enabled ? Qt.PointingHandCursor : Qt.ArrowCursor }
+    FocusRing { control: button; cornerRadius: button.ringRadius }
+}

@@ -1,0 +1,8 @@
+import QtQuick
+
+/// The main action of a page.
+StyledButton {
+    fill: Theme.accent
+    textColor: "white"
+    shadowColor: Theme.accent
+}

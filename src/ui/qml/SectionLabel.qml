@@ -1,0 +1,8 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// The small spaced label above a section.
+Label {
+    font: Theme.textFont(11, Font.DemiBold, 1.8)
+    color: Theme.faded(Theme.textMuted, 0.7)
+}

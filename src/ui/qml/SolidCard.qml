@@ -1,0 +1,15 @@
+import QtQuick
+
+/// A flat card.
+CardLayout {
+    id: card
+
+    property real cornerRadius: Theme.radiusMd
+
+    CardSurface {
+        parent: card
+        anchors.fill: parent
+        cornerRadius: card.cornerRadius
+        borderTop: Theme.faded(Theme.border, 0.2)
+    }
+}

@@ -1,0 +1,79 @@
+import QtQuick
+import QtQuick.Window
+
+/// What the three styles of large buttons share: a symbol and a text, a size that gives way under the finger.
+PlainButton {
+    id: button
+
+    property string symbolName: ""
+    property real symbolSize: 15
+    property color textColor: Theme.foreground
+    property color symbolColor: textColor
+    property int textWeight: Font.DemiBold
+    property color fill: "transparent"
+    property color lineColor: "transparent"
+    property real cornerRadius: 18
+
+    // How far the shadow has sunk: 0 released, 1 pressed.
+    property real sunk: down ? 1 : 0
+    property color shadowColor: "transparent"
+
+    implicitHeight: 48
+    leftPadding: Theme.spacing24
+    rightPadding: Theme.spacing24
+    ringRadius: cornerRadius
+    scale: down ? 0.98 : 1.0
+    opacity: enabled ? 1 : 0.45
+
+    Behavior on scale {
+        // response 0.25 s, damping fraction 0.7
+        SpringAnimation { spring: 12; damping: 0.45; epsilon: 0.0005 }
+    }
+    Behavior on sunk { NumberAnimation { duration: 150; easing.type: Easing.InOutQuad } }
+
+    background: Item {
+        SoftShadow {
+            anchors.fill: parent
+            visible: button.shadowColor.a > 0 && button.enabled
+            cornerRadius: button.cornerRadius
+            color: Theme.faded(button.shadowColor, button.down ? 0.15 : 0.3)
+            radius: button.down ? 5 : 14
+            offsetY: 6 - 4 * button.sunk
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: button.cornerRadius
+            color: button.fill
+            border.width: button.lineColor.a > 0 ? Hairline.width(Screen.devicePixelRatio) : 0
+            border.color: button.lineColor
+            Behavior on color { ColorAnimation { duration: 150 } }
+        }
+    }
+
+    contentItem: Item {
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
+        Row {
+            id: row
+            anchors.centerIn: parent
+            spacing: Theme.spacing8
+            Symbol {
+                visible: button.symbolName !== ""
+                anchors.verticalCenter: parent.verticalCenter
+                name: button.symbolName
+                size: button.symbolSize
+                color: button.symbolColor
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                text: button.text
+                textFormat: Text.PlainText
+                font: Theme.textFont(15, button.textWeight)
+                color: button.textColor
+                width: Math.min(implicitWidth, button.availableWidth
+                                               - (button.symbolName !== "" ? button.symbolSize * 1.2 + row.spacing : 0))
+                elide: Text.ElideRight
+            }
+        }
+    }
+}

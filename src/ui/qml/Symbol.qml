@@ -1,0 +1,24 @@
+import QtQuick
+import QtQuick.Window
+
+/// A symbol by its name, in one colour. A symbol of size n stands in a box of 1.2 n.
+Item {
+    id: symbol
+
+    required property string name
+    property real size: 16
+    property color color: Theme.foreground
+
+    implicitWidth: Math.round(size * 1.2)
+    implicitHeight: implicitWidth
+
+    Image {
+        anchors.centerIn: parent
+        readonly property real edge: Math.round(symbol.size * 1.2)
+        width: edge
+        height: edge
+        sourceSize: Qt.size(edge * Screen.devicePixelRatio, edge * Screen.devicePixelRatio)
+        source: symbol.name === "" ? "" : "image://symbols/" + symbol.name + "/" + symbol.color
+        smooth: true
+    }
+}

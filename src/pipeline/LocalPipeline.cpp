@@ -35,12 +35,10 @@ void LocalPipeline::reset() {
     setProgress(0.0);
     m_logs.clear();
     Q_EMIT logsCleared();
-    m_results.reset();
-    Q_EMIT resultsChanged();
+    setResults(std::nullopt);
     m_errorMessage.reset();
     Q_EMIT errorMessageChanged();
-    m_lastExportDir.reset();
-    Q_EMIT lastExportDirChanged();
+    setLastExportDir(std::nullopt);
     m_cancelled = false;
 }
 
@@ -58,9 +56,19 @@ void LocalPipeline::setProgress(double progress) {
     Q_EMIT progressChanged();
 }
 
-void LocalPipeline::setLastMediaPaths(std::vector<std::string> paths) {
+void LocalPipeline::setResults(std::optional<MiningResults> results) {
+    m_results = std::move(results);
+    Q_EMIT resultsChanged();
+}
+
+void LocalPipeline::setLastMediaPaths(std::optional<std::vector<std::string>> paths) {
     m_lastMediaPaths = std::move(paths);
     Q_EMIT lastMediaPathsChanged();
+}
+
+void LocalPipeline::setLastExportDir(std::optional<std::string> folder) {
+    m_lastExportDir = std::move(folder);
+    Q_EMIT lastExportDirChanged();
 }
 
 void LocalPipeline::setBuildResult(std::optional<std::string> result) {

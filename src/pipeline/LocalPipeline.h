@@ -119,6 +119,12 @@ public:
     /// last transcript. Also takes back a `cancel` that no run has seen yet.
     void reset();
 
+    // Set by the flow, when a saved project is opened and when the user has edited the story.
+
+    void setResults(std::optional<MiningResults> results);
+    void setLastMediaPaths(std::optional<std::vector<std::string>> paths);
+    void setLastExportDir(std::optional<std::string> folder);
+
     // Stores.
 
     /// Folder of the transcript cache of these media, whatever their order, for this start of the program.
@@ -248,7 +254,6 @@ private:
     void beginRun();
     void setStep(PipelineStep step);
     void setProgress(double progress);
-    void setLastMediaPaths(std::vector<std::string> paths);
     void setBuildResult(std::optional<std::string> result);
     void setAuditReport(std::optional<AuditReport> report);
 

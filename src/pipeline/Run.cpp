@@ -239,12 +239,10 @@ void LocalPipeline::publishStory(const Mine& mine, const MiningResults& analysis
     setProgress(progressExports);
     setStep(PipelineStep::building);
     // The project is saved with what stands in `results`, so that is set first.
-    m_results = analysis;
-    Q_EMIT resultsChanged();
+    setResults(analysis);
     m_lastTranscript = transcript;
     Q_EMIT lastTranscriptChanged();
-    m_lastExportDir = saveExports(mine.name, analysis, transcript, wordSegments);
-    Q_EMIT lastExportDirChanged();
+    setLastExportDir(saveExports(mine.name, analysis, transcript, wordSegments));
     log("✓ Exported SRT, transcript, and story brief", LogColor::green);
     saveProject(mine.name, transcript, mine.mediaPaths, mine.story.presetId, mine.story.targetMinutes);
     writeSegmentsJson(analysis);

@@ -1,0 +1,369 @@
+#include "ui/MineViewModel.h"
+
+#include "base/Paths.h"
+#include "platform/TopLevelTask.h"
+
+#include <QPointer>
+#include <QVariantMap>
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+namespace zuvo {
+
+namespace {
+
+constexpr double minutesOfACredit = 10.0;
+
+/// Share of a full mine's cost.
+double costOf(MiningMode mode) {
+    switch (mode) {
+    case MiningMode::fullMine:
+        break;
+    case MiningMode::storyMine:
+        return 0.5;
+    case MiningMode::structure:
+        return 0.25;
+    case MiningMode::audit:
+        return 0.3;
+    }
+    return 1.0;
+}
+
+double totalLength(const std::vector<StorySegment>& segments) {
+    double seconds = 0.0;
+    for (const auto& segment : segments)
+        seconds += segment.endTime - segment.startTime;
+    return seconds;
+}
+
+std::vector<std::string> pathsOf(const std::vector<DroppedFile>& files) {
+    std::vector<std::string> paths;
+    paths.reserve(files.size());
+    for (const auto& file : files)
+        paths.push_back(file.url.toLocalFile().toStdString());
+    return paths;
+}
+
+/// What a project of these files is called.
+std::string nameOf(const std::vector<DroppedFile>& files) {
+    if (files.size() != 1)
+        return "Dropped Files (" + std::to_string(files.size()) + ")";
+    const auto name = files.front().filename().toStdString();
+    return std::string(withoutExtension(name));
+}
+
+QCoro::Task<> findTimelines(std::shared_ptr<ResolveBridge> bridge) {
+    co_await bridge->connect();
+    if (bridge->isConnected())
+        co_await bridge->getTimelines();
+}
+
+QCoro::Task<> buildFromFile(std::shared_ptr<LocalPipeline> pipeline) {
+    co_await pipeline->buildTimelineFromSegmentsFile();
+}
+
+} // namespace
+
+MineViewModel::MineViewModel(MineTools tools, QObject* parent) : QObject(parent), m_tools(std::move(tools)) {
+    connect(m_tools.pipeline.get(), &LocalPipeline::auditReportChanged, this, &MineViewModel::pageNameChanged);
+    connect(this, &MineViewModel::currentStepChanged, this, &MineViewModel::pageNameChanged);
+    connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::pageNameChanged);
+    connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::estimatedCreditsChanged);
+    connect(this, &MineViewModel::targetMinutesChanged, this, &MineViewModel::estimatedCreditsChanged);
+}
+
+template <class Value>
+void MineViewModel::set(Value& member, Value value, void (MineViewModel::*changed)()) {
+    if (member == value)
+        return;
+    member = std::move(value);
+    Q_EMIT(this->*changed)();
+}
+
+QString MineViewModel::pageName() const {
+    switch (m_currentStep) {
+    case MineStep::setup:
+        return QStringLiteral("SetupPage");
+    case MineStep::style:
+        return QStringLiteral("StylePage");
+    case MineStep::processing:
+        return QStringLiteral("ProcessingPage");
+    case MineStep::review:
+        break;
+    case MineStep::done:
+        return QStringLiteral("DonePage");
+    }
+    if (m_selectedMode != MiningMode::audit)
+        return QStringLiteral("ReviewPage");
+    return m_tools.pipeline->auditReport() ? QStringLiteral("AuditPage") : QStringLiteral("NoAuditReport");
+}
+
+QVariantList MineViewModel::steps() const {
+    QVariantList list;
+    for (const auto step : allMineSteps) {
+        const auto* state = step < m_currentStep ? "passed" : step == m_currentStep ? "current" : "ahead";
+        list.append(QVariantMap{{QStringLiteral("label"), QString::fromUtf8(label(step))},
+                                {QStringLiteral("number"), static_cast<int>(step) + 1},
+                                {QStringLiteral("state"), QString::fromUtf8(state)}});
+    }
+    return list;
+}
+
+void MineViewModel::advanceTo(MineStep step) {
+    set(m_currentStep, step, &MineViewModel::currentStepChanged);
+}
+
+void MineViewModel::tapStep(int step) {
+    if (step >= 0 && step < currentStepNumber())
+        advanceTo(static_cast<MineStep>(step));
+}
+
+void MineViewModel::setSelectedTimeline(std::optional<std::string> timeline) {
+    set(m_selectedTimeline, std::move(timeline), &MineViewModel::selectedTimelineChanged);
+}
+
+void MineViewModel::setSelectedMode(MiningMode mode) {
+    set(m_selectedMode, mode, &MineViewModel::selectedModeChanged);
+}
+
+void MineViewModel::setTargetMinutes(double minutes) {
+    set(m_targetMinutes, minutes, &MineViewModel::targetMinutesChanged);
+}
+
+void MineViewModel::setStyleSliders(const StyleSliders& sliders) {
+    set(m_styleSliders, sliders, &MineViewModel::styleSlidersChanged);
+}
+
+void MineViewModel::setSelectedPresetId(std::optional<std::string> presetId) {
+    set(m_selectedPresetId, std::move(presetId), &MineViewModel::selectedPresetIdChanged);
+}
+
+void MineViewModel::setReferenceURL(std::string url) {
+    set(m_referenceURL, std::move(url), &MineViewModel::referenceURLChanged);
+}
+
+void MineViewModel::setMagicMode(bool isOn) {
+    set(m_isMagicMode, isOn, &MineViewModel::magicModeChanged);
+}
+
+void MineViewModel::setDirectorNotes(std::string notes) {
+    set(m_directorNotes, std::move(notes), &MineViewModel::directorNotesChanged);
+}
+
+void MineViewModel::setSelectedLanguage(std::string code) {
+    set(m_selectedLanguage, std::move(code), &MineViewModel::selectedLanguageChanged);
+}
+
+void MineViewModel::setRating(std::optional<int> rating) {
+    set(m_rating, rating, &MineViewModel::ratingChanged);
+}
+
+void MineViewModel::setDroppedFiles(std::vector<DroppedFile> files) {
+    m_droppedFiles = std::move(files);
+    Q_EMIT droppedFilesChanged();
+}
+
+void MineViewModel::setSourceMode(SourceMode mode) {
+    set(m_sourceMode, mode, &MineViewModel::sourceModeChanged);
+}
+
+void MineViewModel::setLoadedProject(std::optional<SavedProject> project) {
+    m_loadedProject = std::move(project);
+    Q_EMIT loadedProjectChanged();
+}
+
+void MineViewModel::listProjects() {
+    m_savedProjects = m_tools.pipeline->listProjects();
+    Q_EMIT savedProjectsChanged();
+}
+
+double MineViewModel::estimatedCredits() const {
+    return std::max(1.0, std::ceil(m_targetMinutes / minutesOfACredit * costOf(m_selectedMode)));
+}
+
+std::vector<StorySegment> MineViewModel::reviewSegments() const {
+    const auto& results = m_tools.pipeline->results();
+    return results ? results->segments : std::vector<StorySegment>();
+}
+
+std::vector<std::string> MineViewModel::mediaPaths() const {
+    return m_tools.pipeline->lastMediaPaths().value_or(std::vector<std::string>());
+}
+
+std::vector<TranscriptSegment> MineViewModel::fullTranscript() const {
+    const auto& transcript = m_tools.pipeline->lastTranscript();
+    return transcript ? transcript->segments : std::vector<TranscriptSegment>();
+}
+
+void MineViewModel::show() {
+    listProjects();
+    startTopLevelTask(this, "that looks for Resolve's timelines",
+                      [bridge = m_tools.resolveBridge] { return findTimelines(bridge); });
+}
+
+void MineViewModel::setupNext() {
+    advanceTo(MineStep::style);
+}
+
+void MineViewModel::startAudit() {
+    advanceTo(MineStep::processing);
+    startMining();
+}
+
+void MineViewModel::styleBack() {
+    advanceTo(MineStep::setup);
+}
+
+void MineViewModel::styleNext() {
+    advanceTo(MineStep::processing);
+    startMining();
+}
+
+void MineViewModel::processingDone() {
+    advanceTo(MineStep::review);
+}
+
+void MineViewModel::reanalyze() {
+    advanceTo(MineStep::style);
+}
+
+void MineViewModel::skipToExport() {
+    advanceTo(MineStep::done);
+}
+
+void MineViewModel::backToReview() {
+    advanceTo(MineStep::review);
+}
+
+StoryChoices MineViewModel::storyChoices() const {
+    StoryChoices choices;
+    choices.targetMinutes = m_targetMinutes;
+    choices.sliders = m_styleSliders;
+    choices.presetId = m_selectedPresetId;
+    choices.referenceURL = m_referenceURL;
+    choices.isMagicMode = m_isMagicMode;
+    choices.directorNotes = m_directorNotes;
+    return choices;
+}
+
+QCoro::Task<> MineViewModel::chosenRun() const {
+    MineChoices choices;
+    choices.mode = m_selectedMode;
+    choices.language = m_selectedLanguage;
+    choices.story = storyChoices();
+    if (m_sourceMode == SourceMode::files)
+        return m_tools.pipeline->run(pathsOf(m_droppedFiles), std::move(choices));
+    if (m_selectedMode == MiningMode::audit)
+        return m_tools.pipeline->auditTimeline(*m_selectedTimeline);
+    if (m_loadedProject)
+        return m_tools.pipeline->runFromProject(*m_loadedProject, std::move(choices.story));
+    return m_tools.pipeline->run(*m_selectedTimeline, std::move(choices));
+}
+
+namespace {
+
+/// Waits for a run of the flow's pipeline. It holds the pipeline but not the flow, which may be gone when it ends.
+QCoro::Task<> followRun(std::shared_ptr<LocalPipeline> pipeline, QCoro::Task<> run, std::function<void()> onComplete) {
+    co_await std::move(run);
+    if (pipeline->step() == PipelineStep::complete)
+        onComplete();
+}
+
+} // namespace
+
+void MineViewModel::startMining() {
+    const bool namesFootage =
+        m_sourceMode == SourceMode::files ? !m_droppedFiles.empty() : m_selectedTimeline.has_value();
+    if (!namesFootage)
+        return;
+    startTopLevelTask(this, "that mines", [this, pipeline = m_tools.pipeline] {
+        const auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount] {
+            if (!flow.isNull() && flow->m_cancelCount == cancelCount)
+                flow->advanceTo(MineStep::review);
+        };
+        return followRun(pipeline, chosenRun(), goOn);
+    });
+}
+
+void MineViewModel::cancelMining() {
+    ++m_cancelCount;
+    m_tools.pipeline->cancel();
+    m_tools.pipeline->reset();
+    advanceTo(MineStep::style);
+}
+
+void MineViewModel::buildTimeline() {
+    startTopLevelTask(this, "that builds a timeline",
+                      [pipeline = m_tools.pipeline] { return buildFromFile(pipeline); });
+}
+
+void MineViewModel::sendToResolve(std::vector<StorySegment> segments) {
+    if (const auto& results = m_tools.pipeline->results()) {
+        auto edited = *results;
+        edited.estimatedDuration = totalLength(segments);
+        edited.segments = segments;
+        m_tools.pipeline->setResults(std::move(edited));
+        m_tools.pipeline->writeSegmentsJsonPublic(segments);
+    }
+    buildTimeline();
+    advanceTo(MineStep::done);
+}
+
+void MineViewModel::loadProject(const SavedProject& project) {
+    setLoadedProject(project);
+    setSelectedTimeline(project.timeline);
+    setTargetMinutes(project.targetMinutes);
+    if (project.presetId)
+        setSelectedPresetId(project.presetId);
+    if (!project.results) {
+        advanceTo(MineStep::style);
+        return;
+    }
+    m_tools.pipeline->setResults(*project.results);
+    m_tools.pipeline->setLastMediaPaths(project.mediaPaths);
+    m_tools.pipeline->setLastExportDir(m_tools.pipeline->projectsDir() + "/" + project.timeline);
+    advanceTo(MineStep::review);
+}
+
+SavedProject MineViewModel::projectOfThisRun() const {
+    SavedProject project;
+    if (m_sourceMode == SourceMode::files)
+        project.timeline = nameOf(m_droppedFiles);
+    else
+        project.timeline = m_selectedTimeline.value_or("Unknown");
+    project.createdAt = secondsSince1970(m_tools.clock());
+    project.language = m_selectedLanguage;
+    project.mediaPaths = mediaPaths();
+    project.results = m_tools.pipeline->results();
+    project.presetId = m_selectedPresetId;
+    project.targetMinutes = m_targetMinutes;
+    return project;
+}
+
+void MineViewModel::restyle() {
+    if (!m_loadedProject)
+        setLoadedProject(projectOfThisRun());
+    advanceTo(MineStep::style);
+}
+
+void MineViewModel::beginAgain() {
+    setRating(std::nullopt);
+    setLoadedProject(std::nullopt);
+    listProjects();
+}
+
+void MineViewModel::resetFlow() {
+    advanceTo(MineStep::setup);
+    m_tools.pipeline->reset();
+    beginAgain();
+}
+
+void MineViewModel::startFresh() {
+    m_tools.pipeline->clearCaches();
+    advanceTo(MineStep::setup);
+    beginAgain();
+}
+
+} // namespace zuvo

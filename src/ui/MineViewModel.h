@@ -1,0 +1,189 @@
+#pragma once
+
+#include "account/CloudProcessor.h"
+#include "model/Modes.h"
+#include "model/Stores.h"
+#include "model/Style.h"
+#include "pipeline/LocalPipeline.h"
+#include "platform/Clock.h"
+#include "resolve/ResolveBridge.h"
+#include "ui/DroppedFile.h"
+#include "ui/MineStep.h"
+
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <qqmlregistration.h>
+#include <string>
+#include <vector>
+
+namespace zuvo {
+
+class AuthManager;
+
+/// What a flow works with. Each flow has its own bridge, processor and pipeline; the account is everybody's.
+struct MineTools {
+    std::shared_ptr<AuthManager> authManager;
+    std::shared_ptr<ResolveBridge> resolveBridge;
+    std::shared_ptr<CloudProcessor> cloudProcessor;
+    std::shared_ptr<LocalPipeline> pipeline;
+    Clock clock;
+};
+
+/// The guided flow of one mine: every choice that the user makes for it, the pipeline that it drives, and which page
+/// stands on screen. Pages change their bindings and call back; every change of page goes through `advanceTo`.
+///
+/// It may be destroyed while a mine that it started goes on: the mine holds what it works with and ends by itself.
+class MineViewModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The shell makes one for each showing of The Mine")
+    Q_PROPERTY(int currentStep READ currentStepNumber NOTIFY currentStepChanged)
+    Q_PROPERTY(QString pageName READ pageName NOTIFY pageNameChanged)
+    Q_PROPERTY(QVariantList steps READ steps NOTIFY currentStepChanged)
+    Q_PROPERTY(double estimatedCredits READ estimatedCredits NOTIFY estimatedCreditsChanged)
+public:
+    explicit MineViewModel(MineTools tools, QObject* parent = nullptr);
+
+    // Where the flow stands.
+
+    [[nodiscard]] MineStep currentStep() const { return m_currentStep; }
+    [[nodiscard]] int currentStepNumber() const { return static_cast<int>(m_currentStep); }
+
+    /// "SetupPage", "StylePage", "ProcessingPage", "ReviewPage", "AuditPage", "DonePage", or "NoAuditReport" where an
+    /// audit has nothing to show.
+    [[nodiscard]] QString pageName() const;
+
+    /// For the step indicator: a map with `label`, `number` (from 1) and `state` ("passed", "current", "ahead") a step.
+    [[nodiscard]] QVariantList steps() const;
+
+    /// Goes to that page; nothing else changes.
+    void advanceTo(MineStep step);
+
+    /// A tap on a step of the indicator, by its place from 0: goes back to one that is passed, else does nothing.
+    Q_INVOKABLE void tapStep(int step);
+
+    // What the user has chosen. Setters signal only a change.
+
+    [[nodiscard]] const std::optional<std::string>& selectedTimeline() const { return m_selectedTimeline; }
+    [[nodiscard]] MiningMode selectedMode() const { return m_selectedMode; }
+    [[nodiscard]] double targetMinutes() const { return m_targetMinutes; }
+    [[nodiscard]] const StyleSliders& styleSliders() const { return m_styleSliders; }
+    [[nodiscard]] const std::optional<std::string>& selectedPresetId() const { return m_selectedPresetId; }
+    [[nodiscard]] const std::string& referenceURL() const { return m_referenceURL; }
+    [[nodiscard]] bool isMagicMode() const { return m_isMagicMode; }
+    [[nodiscard]] const std::string& directorNotes() const { return m_directorNotes; }
+    [[nodiscard]] const std::string& selectedLanguage() const { return m_selectedLanguage; } ///< a code of LANGUAGES
+    [[nodiscard]] std::optional<int> rating() const { return m_rating; }
+    [[nodiscard]] const std::optional<SavedProject>& loadedProject() const { return m_loadedProject; }
+    [[nodiscard]] const std::vector<SavedProject>& savedProjects() const { return m_savedProjects; }
+    [[nodiscard]] const std::vector<DroppedFile>& droppedFiles() const { return m_droppedFiles; }
+    [[nodiscard]] SourceMode sourceMode() const { return m_sourceMode; }
+
+    void setSelectedTimeline(std::optional<std::string> timeline);
+    void setSelectedMode(MiningMode mode);
+    void setTargetMinutes(double minutes);
+    void setStyleSliders(const StyleSliders& sliders);
+    void setSelectedPresetId(std::optional<std::string> presetId);
+    void setReferenceURL(std::string url);
+    void setMagicMode(bool isOn);
+    void setDirectorNotes(std::string notes);
+    void setSelectedLanguage(std::string code);
+    void setRating(std::optional<int> rating);
+    void setDroppedFiles(std::vector<DroppedFile> files);
+    void setSourceMode(SourceMode mode);
+    /// Lists the saved projects anew.
+    void listProjects();
+
+    /// Whole credits that a mine of this mode and length is thought to cost; it limits nothing.
+    [[nodiscard]] double estimatedCredits() const;
+
+    // What the pages show.
+
+    [[nodiscard]] const std::shared_ptr<LocalPipeline>& pipeline() const { return m_tools.pipeline; }
+    [[nodiscard]] const std::shared_ptr<ResolveBridge>& resolveBridge() const { return m_tools.resolveBridge; }
+    [[nodiscard]] std::vector<StorySegment> reviewSegments() const;
+    [[nodiscard]] std::vector<std::string> mediaPaths() const;
+    [[nodiscard]] std::vector<TranscriptSegment> fullTranscript() const;
+
+    // What the pages call back.
+
+    /// The view has come on screen: the projects are listed and Resolve is asked for its timelines.
+    Q_INVOKABLE void show();
+
+    Q_INVOKABLE void setupNext();
+    Q_INVOKABLE void startAudit();
+    void loadProject(const SavedProject& project);
+    Q_INVOKABLE void styleBack();
+    Q_INVOKABLE void styleNext();
+    Q_INVOKABLE void processingDone();
+    /// The run is told to stop and the pipeline's state put back, in this order, which lets the run go on unseen: its
+    /// end moves this flow no more.
+    Q_INVOKABLE void cancelMining();
+    Q_INVOKABLE void buildTimeline();
+    /// The edited story, in the user's order, becomes the result and the hand-off file, and is built.
+    void sendToResolve(std::vector<StorySegment> segments);
+    Q_INVOKABLE void reanalyze();
+    Q_INVOKABLE void skipToExport();
+    Q_INVOKABLE void backToReview();
+    /// Prepares another analysis of the same footage.
+    Q_INVOKABLE void restyle();
+    /// For the next mine: every choice stays but the rating and the project that was loaded.
+    Q_INVOKABLE void resetFlow();
+    /// The same with the caches cleared in place of the pipeline's state.
+    Q_INVOKABLE void startFresh();
+
+Q_SIGNALS:
+    void currentStepChanged();
+    void pageNameChanged();
+    void selectedTimelineChanged();
+    void selectedModeChanged();
+    void targetMinutesChanged();
+    void styleSlidersChanged();
+    void selectedPresetIdChanged();
+    void referenceURLChanged();
+    void magicModeChanged();
+    void directorNotesChanged();
+    void selectedLanguageChanged();
+    void ratingChanged();
+    void loadedProjectChanged();
+    void savedProjectsChanged();
+    void droppedFilesChanged();
+    void sourceModeChanged();
+    void estimatedCreditsChanged();
+
+private:
+    /// Starts the run that the choices ask for, if they name footage. Its good end leads to the review.
+    void startMining();
+    [[nodiscard]] QCoro::Task<> chosenRun() const;
+    [[nodiscard]] StoryChoices storyChoices() const;
+    [[nodiscard]] SavedProject projectOfThisRun() const;
+    void setLoadedProject(std::optional<SavedProject> project);
+    void beginAgain();
+
+    template <class Value>
+    void set(Value& member, Value value, void (MineViewModel::*changed)());
+
+    MineTools m_tools;
+    MineStep m_currentStep = MineStep::setup;
+    std::optional<std::string> m_selectedTimeline;
+    MiningMode m_selectedMode = MiningMode::fullMine;
+    double m_targetMinutes = 5.0;
+    StyleSliders m_styleSliders;
+    std::optional<std::string> m_selectedPresetId;
+    std::string m_referenceURL;
+    bool m_isMagicMode = false;
+    std::string m_directorNotes;
+    std::string m_selectedLanguage = "auto";
+    std::optional<int> m_rating;
+    std::optional<SavedProject> m_loadedProject;
+    std::vector<SavedProject> m_savedProjects;
+    std::vector<DroppedFile> m_droppedFiles;
+    SourceMode m_sourceMode = SourceMode::files;
+    std::uint64_t m_cancelCount = 0; ///< a run that was cancelled moves the flow no more
+};
+
+} // namespace zuvo

@@ -1,0 +1,11 @@
+import QtQuick
+
+StepFrame {
+    id: page
+    title: "The Discovery"
+    SecondaryButtonStyle {
+        objectName: "startOverButton"
+        text: "Start Over"
+        onClicked: page.flow.resetFlow()
+    }
+}

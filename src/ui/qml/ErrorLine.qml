@@ -1,0 +1,32 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// What went wrong, in the failure's own words.
+Row {
+    id: line
+
+    property string text: ""
+    property real maximumWidth: 560
+
+    visible: text !== ""
+    spacing: Theme.spacing8
+
+    Symbol {
+        y: 1
+        name: "exclamationmark.triangle.fill"
+        size: 14
+        color: Theme.error
+    }
+    Label {
+        width: Math.min(implicitWidth, line.maximumWidth - 17 - line.spacing)
+        text: line.text
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        maximumLineCount: 8
+        elide: Text.ElideRight
+        font: Theme.textFont(13, Font.Medium)
+        color: Theme.error
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+    }
+}

@@ -1,0 +1,27 @@
+import QtQuick
+
+/// The guided flow: the step indicator above the page of the current step.
+FocusScope {
+    id: view
+
+    required property MineViewModel model
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.background
+    }
+    StepIndicator {
+        id: stepIndicator
+        width: parent.width
+        flow: view.model
+    }
+    PageStack {
+        objectName: "pageStack"
+        y: stepIndicator.height
+        width: parent.width
+        height: parent.height - y
+        focus: true
+        flow: view.model
+    }
+    Component.onCompleted: model.show()
+}

@@ -1,0 +1,11 @@
+import QtQuick
+
+StepFrame {
+    id: page
+    title: "Descending into the mine"
+    TextButton {
+        objectName: "cancelButton"
+        text: "Cancel"
+        onClicked: page.flow.cancelMining()
+    }
+}

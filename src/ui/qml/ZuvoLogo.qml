@@ -1,0 +1,2 @@
+/// The pickaxe as the mark of the program.
+PixelPickaxe { }

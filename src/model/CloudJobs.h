@@ -6,7 +6,8 @@
 #include <optional>
 #include <string>
 
-namespace zuvo {
+/// The words of a wire, apart from the program's own: a process here is the service's.
+namespace zuvo::wire {
 
 // What is said with the account service about a mine that it does itself.
 
@@ -40,4 +41,4 @@ struct JobStatusResponse {
     }
 };
 
-} // namespace zuvo
+} // namespace zuvo::wire

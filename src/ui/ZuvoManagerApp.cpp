@@ -47,7 +47,7 @@ MineTools ZuvoManagerApp::makeMineTools() const {
     MineTools tools;
     tools.authManager = m_authManager;
     tools.resolveBridge = ResolveBridge::create(m_world.platform);
-    tools.cloudProcessor = std::make_shared<CloudProcessor>(m_client, m_world.platform.newUuid);
+    tools.cloudProcessor = CloudProcessor::create(m_client, {m_world.platform.newUuid});
     tools.pipeline = LocalPipeline::create(m_world.platform);
     tools.clock = m_world.platform.clock;
     return tools;

@@ -1,0 +1,32 @@
+#include "ui/WindowEngine.h"
+
+#include "ui/Shadows.h"
+#include "ui/Symbols.h"
+
+#include <QUrl>
+#include <QVariantMap>
+
+namespace zuvo {
+
+void prepareEngine(QQmlEngine& engine) {
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("symbols"), new SymbolProvider); // the engine owns its providers
+    engine.addImageProvider(QStringLiteral("shadows"), new ShadowProvider);
+}
+
+WindowEngine::WindowEngine(ContentViewModel* content) {
+    prepareEngine(m_engine);
+    QVariantMap properties;
+    properties[QStringLiteral("content")] = QVariant::fromValue(content);
+    m_engine.setInitialProperties(properties);
+    m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Zuvo/AppWindow.qml")));
+    if (!m_engine.rootObjects().isEmpty())
+        m_window = qobject_cast<QQuickWindow*>(m_engine.rootObjects().constFirst());
+}
+
+void WindowEngine::bringUp() {
+    if (m_window != nullptr)
+        QMetaObject::invokeMethod(m_window, "bringUp");
+}
+
+} // namespace zuvo

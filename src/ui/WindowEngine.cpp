@@ -6,9 +6,14 @@
 #include <QUrl>
 #include <QVariantMap>
 
+/// Written by Qt's build tools for this module; it has no plugin that would call it.
+extern void qml_register_types_Zuvo();
+
 namespace zuvo {
 
 void prepareEngine(QQmlEngine& engine) {
+    static const bool isRegistered = (qml_register_types_Zuvo(), true);
+    Q_UNUSED(isRegistered)
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbols"), new SymbolProvider); // the engine owns its providers
     engine.addImageProvider(QStringLiteral("shadows"), new ShadowProvider);

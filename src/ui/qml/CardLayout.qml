@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// Holds what a card shows, inset by its padding; the card is as high as that.
 Item {

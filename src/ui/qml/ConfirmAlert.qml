@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic as Controls
 import QtQuick.Window
+import Zuvo
 
 /// Asks before something that cannot be taken back. Escape keeps things as they are; Return presses the button that the
 /// keyboard is on, which is the safe one at first.

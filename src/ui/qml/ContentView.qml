@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Zuvo
 
 /// The sign-in page, or the sidebar beside the page of its chosen entry.
 FocusScope {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Window
+import Zuvo
 
 /// The account: who is signed in, credits, plan.
 FocusScope {

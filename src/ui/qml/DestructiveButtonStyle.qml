@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// An action that takes something away.
 StyledButton {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 StepFrame {
     id: page

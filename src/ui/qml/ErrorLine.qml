@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// What went wrong, in the failure's own words.
 Row {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// Drawn around a control that the keyboard has reached.
 Rectangle {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// A raised card with a soft shadow.
 CardLayout {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// A card that lets the page shine through.
 CardLayout {

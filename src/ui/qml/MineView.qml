@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// The guided flow: the step indicator above the page of the current step.
 FocusScope {

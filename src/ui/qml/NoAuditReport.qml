@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// Stands where an audit has nothing to show. The step indicator is the way back.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// The ground of a page: from the window's own colour to a quieter one.
 Rectangle {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// Holds the page of the current step and changes it: a page comes in from the right and leaves to the left, whichever
 /// way the user goes; Daylight grows and shrinks.

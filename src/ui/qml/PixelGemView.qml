@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// A cut gem with a glow of its colour behind it.
 Item {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// The pickaxe at work: it swings about its lower end for as long as it is shown.
 Item {

@@ -1,2 +1,4 @@
+import Zuvo
+
 /// The pickaxe as the pages show it.
 PixelPickaxe { }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Zuvo
 
 /// A control that is pressed: by the pointer, by the space bar and by Return. What it looks like is its content's.
 T.AbstractButton {

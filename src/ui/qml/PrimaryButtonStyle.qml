@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// The main action of a page.
 StyledButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// A page that scrolls: one centred column on the page's ground.
 FocusScope {

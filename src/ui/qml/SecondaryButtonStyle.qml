@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// An action beside the main one.
 StyledButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// The small spaced label above a section.
 Label {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Window
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// Where to go, and which version this is.
 FocusScope {
@@ -58,7 +59,7 @@ FocusScope {
                 required property var modelData
                 width: parent.width
                 label: modelData.label
-                icon: modelData.icon
+                iconName: modelData.icon
                 isSelected: sidebar.content.selectedTab === modelData.tab
                 onClicked: sidebar.content.selectedTab = modelData.tab
             }

@@ -1,10 +1,11 @@
 import QtQuick
+import Zuvo
 
 /// One entry of the sidebar.
 PlainButton {
     id: item
 
-    required property string icon
+    required property string iconName
     required property string label
     required property bool isSelected
     readonly property bool isHovered: hovered
@@ -42,7 +43,7 @@ PlainButton {
             height: parent.height
             Symbol {
                 anchors.centerIn: parent
-                name: item.icon
+                name: item.iconName
                 size: 15
                 color: item.ink
             }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Window
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// Stands until somebody is signed in.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// A flat card.
 CardLayout {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Shapes
+import Zuvo
 
 /// Turns for as long as something is awaited.
 Item {

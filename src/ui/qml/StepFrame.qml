@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Zuvo
 
 /// The common ground of the flow's pages: a title, and what the page holds beneath it.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// The five steps of the flow. A step that is passed leads back to it.
 Item {

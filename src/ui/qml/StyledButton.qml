@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Zuvo
 
 /// What the three styles of large buttons share: a symbol and a text, a size that gives way under the finger.
 PlainButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Zuvo
 
 /// A symbol by its name, in one colour. A symbol of size n stands in a box of 1.2 n.
 Item {

@@ -1,4 +1,5 @@
 import QtQuick
+import Zuvo
 
 /// A button that is only its text.
 PlainButton {

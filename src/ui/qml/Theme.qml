@@ -1,5 +1,6 @@
 pragma Singleton
 import QtQuick
+import Zuvo
 
 /// The one place of colours, gradients, fonts, spacings and radii.
 QtObject {

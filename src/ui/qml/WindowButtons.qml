@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Zuvo
 
 /// Close, minimise and zoom.
 Row {

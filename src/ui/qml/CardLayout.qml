@@ -14,7 +14,6 @@ Item {
 
     Column {
         id: holder
-        z: 1
         x: card.padding
         y: card.padding
         width: card.width - 2 * card.padding

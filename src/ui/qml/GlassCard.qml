@@ -9,6 +9,7 @@ CardLayout {
 
     SoftShadow {
         parent: card
+        z: -2
         anchors.fill: parent
         radius: 16
         offsetY: 6
@@ -16,6 +17,7 @@ CardLayout {
     }
     CardSurface {
         parent: card
+        z: -1
         anchors.fill: parent
         cornerRadius: card.cornerRadius
         borderTop: Theme.faded(Theme.border, 0.25)

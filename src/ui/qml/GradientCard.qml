@@ -9,6 +9,7 @@ CardLayout {
 
     SoftShadow {
         parent: card
+        z: -2
         anchors.fill: parent
         color: Qt.rgba(0, 0, 0, 0.25)
         radius: 16
@@ -17,6 +18,7 @@ CardLayout {
     }
     CardSurface {
         parent: card
+        z: -1
         anchors.fill: parent
         fill: "transparent"
         cornerRadius: card.cornerRadius

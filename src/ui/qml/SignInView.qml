@@ -100,6 +100,7 @@ FocusScope {
     Component {
         id: choices
         FocusScope {
+            focus: true
             implicitHeight: choicesColumn.implicitHeight
             Column {
                 id: choicesColumn
@@ -150,6 +151,7 @@ FocusScope {
     Component {
         id: callbackWaitingView
         FocusScope {
+            focus: true
             implicitHeight: waitingColumn.implicitHeight
             Keys.onEscapePressed: view.model.cancelWaiting()
             Column {
@@ -177,6 +179,7 @@ FocusScope {
     Component {
         id: tokenInputSection
         FocusScope {
+            focus: true
             implicitHeight: tokenColumn.implicitHeight
             Keys.onEscapePressed: view.model.toggleTokenField()
             Column {

@@ -9,6 +9,7 @@ CardLayout {
 
     CardSurface {
         parent: card
+        z: -1
         anchors.fill: parent
         cornerRadius: card.cornerRadius
         borderTop: Theme.faded(Theme.border, 0.2)

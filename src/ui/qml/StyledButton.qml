@@ -51,9 +51,11 @@ PlainButton {
         }
     }
 
+    readonly property real symbolRoom: symbolName !== "" ? Math.round(symbolSize * 1.2) + Theme.spacing8 : 0
+
     contentItem: Item {
-        implicitWidth: row.implicitWidth
-        implicitHeight: row.implicitHeight
+        implicitWidth: Math.ceil(label.implicitWidth) + button.symbolRoom
+        implicitHeight: label.implicitHeight
         Row {
             id: row
             anchors.centerIn: parent
@@ -66,13 +68,13 @@ PlainButton {
                 color: button.symbolColor
             }
             Text {
+                id: label
                 anchors.verticalCenter: parent.verticalCenter
                 text: button.text
                 textFormat: Text.PlainText
                 font: Theme.textFont(15, button.textWeight)
                 color: button.textColor
-                width: Math.min(implicitWidth, button.availableWidth
-                                               - (button.symbolName !== "" ? button.symbolSize * 1.2 + row.spacing : 0))
+                width: Math.min(implicitWidth, button.availableWidth - button.symbolRoom)
                 elide: Text.ElideRight
             }
         }

@@ -15,7 +15,7 @@ Item {
 
     Image {
         anchors.centerIn: parent
-        readonly property real edge: Math.round(symbol.size * 1.2)
+        readonly property real edge: Math.round(symbol.size * 1.06)
         width: edge
         height: edge
         sourceSize: Qt.size(edge * Screen.devicePixelRatio, edge * Screen.devicePixelRatio)

@@ -15,7 +15,7 @@ FocusScope {
         property alias name: nameLabel.text
         property alias version: versionLabel.text
         width: parent.width
-        height: 32
+        height: 33
         Label {
             id: nameLabel
             anchors.verticalCenter: parent.verticalCenter
@@ -103,11 +103,11 @@ FocusScope {
 
         GlassCard {
             width: parent.width
-            spacing: Theme.spacing8
             Label {
                 text: "Version Info"
                 font: Theme.headline()
                 color: Theme.foreground
+                bottomPadding: Theme.spacing8
             }
             VersionRow {
                 name: "Installed"
@@ -147,6 +147,7 @@ FocusScope {
             }
             Rectangle {
                 parent: available
+                z: -1
                 anchors.fill: parent
                 radius: Theme.radiusLg
                 color: Theme.faded(Theme.accent, 0.06)

@@ -1,0 +1,117 @@
+#include "ui/WindowDriver.h"
+
+#include "fakes/CoroutineTest.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+namespace zuvo::tests {
+
+namespace {
+
+/// Longer than any change of page.
+constexpr std::chrono::milliseconds animationsEnd{450};
+
+QQuickItem* findVisible(QQuickItem* item, const std::function<bool(QQuickItem*)>& matches) {
+    if (!item->isVisible() || !item->isEnabled() || item->opacity() <= 0.0)
+        return nullptr;
+    if (matches(item))
+        return item;
+    const auto children = item->childItems();
+    // What was added last lies on top.
+    for (auto child = children.crbegin(); child != children.crend(); ++child) {
+        if (auto* found = findVisible(*child, matches))
+            return found;
+    }
+    return nullptr;
+}
+
+QPoint middleOf(const QQuickItem& item) {
+    return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
+}
+
+} // namespace
+
+WindowDriver::WindowDriver(ContentViewModel* content) : m_engine(content) {
+    if (m_engine.window() == nullptr)
+        throw std::runtime_error("The window could not be made");
+    m_engine.window()->show();
+    if (!QTest::qWaitForWindowExposed(m_engine.window()))
+        throw std::runtime_error("The window was not shown");
+    m_engine.window()->requestActivate();
+}
+
+QQuickItem* WindowDriver::find(const QString& name) {
+    return findVisible(window().contentItem(), [&name](const QQuickItem* item) { return item->objectName() == name; });
+}
+
+bool WindowDriver::waitFor(const QString& name) {
+    return waitUntil([this, &name] { return shows(name); });
+}
+
+bool WindowDriver::waitUntilGone(const QString& name) {
+    return waitUntil([this, &name] { return !shows(name); });
+}
+
+bool WindowDriver::showsText(const QString& text) {
+    return findVisible(window().contentItem(), [&text](const QQuickItem* item) {
+               return item->property("text").toString() == text;
+           }) != nullptr;
+}
+
+bool WindowDriver::waitForText(const QString& text) {
+    return waitUntil([this, &text] { return showsText(text); });
+}
+
+void WindowDriver::click(const QString& name) {
+    auto* item = find(name);
+    if (item == nullptr) {
+        ADD_FAILURE() << "There is no " << name.toStdString() << " to click";
+        return;
+    }
+    click(middleOf(*item));
+}
+
+void WindowDriver::click(QPoint place) {
+    QTest::mouseClick(&window(), Qt::LeftButton, Qt::NoModifier, place);
+}
+
+void WindowDriver::hover(const QString& name) {
+    const auto* item = find(name);
+    if (item == nullptr) {
+        ADD_FAILURE() << "There is no " << name.toStdString() << " to point at";
+        return;
+    }
+    QTest::mouseMove(&window(), middleOf(*item));
+    runEventLoop(animationsEnd);
+}
+
+void WindowDriver::type(const QString& text) {
+    for (const auto character : text)
+        QTest::keyClick(&window(), character.toLatin1());
+}
+
+void WindowDriver::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(&window(), key, modifiers);
+}
+
+QString WindowDriver::focusedName() {
+    for (auto* item = window().activeFocusItem(); item != nullptr; item = item->parentItem()) {
+        if (!item->objectName().isEmpty())
+            return item->objectName();
+    }
+    return {};
+}
+
+QImage WindowDriver::picture() {
+    runEventLoop(animationsEnd);
+    return window().grabWindow();
+}
+
+void WindowDriver::resize(int width, int height) {
+    window().resize(width, height);
+    runEventLoop(std::chrono::milliseconds(20));
+}
+
+} // namespace zuvo::tests

@@ -1,0 +1,31 @@
+#include <QFile>
+#include <QGuiApplication>
+#include <QQuickStyle>
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+
+namespace {
+
+/// A screen with room for the largest window that is looked at, at twice its scale.
+QString screenFile(const QTemporaryDir& folder) {
+    QFile file(folder.filePath(QStringLiteral("screens.json")));
+    if (!file.open(QIODevice::WriteOnly))
+        return {};
+    file.write(R"({"screens":[{"name":"screen","x":0,"y":0,"width":5200,"height":3000,"logicalDpi":96,)"
+               R"("logicalBaseDpi":96,"dpr":1}]})");
+    return file.fileName();
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    // Windows that no screen shows, drawn the same to the byte on every machine.
+    const QTemporaryDir runtimeFolder;
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screenFile(runtimeFolder).toUtf8());
+    qputenv("QT_QUICK_BACKEND", "software");
+    qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toUtf8());
+    const QGuiApplication application(argumentCount, arguments);
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    testing::InitGoogleMock(&argumentCount, arguments);
+    return RUN_ALL_TESTS();
+}

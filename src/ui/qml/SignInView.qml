@@ -25,7 +25,9 @@ FocusScope {
             id: column
             width: 320
             anchors.horizontalCenter: parent.horizontalCenter
-            y: Math.max(Theme.spacing48, (flick.height - height) / 2 - 18)
+            // The same place for each of the three, so that nothing jumps when one follows another.
+            readonly property real usualHeight: 453
+            y: Math.max(Theme.spacing48, (flick.height - usualHeight) / 2 - 18)
 
             Item {
                 id: logoSection

@@ -70,7 +70,7 @@ std::string jobIdOf(const HttpAnswer& answer) {
     if (!answer.isSuccess())
         throw CloudProcessorError::uploadFailed("HTTP " + std::to_string(answer.status) + ": " +
                                                 (isValidUtf8(answer.body) ? answer.body : "Unknown error"));
-    auto decoded = decodeRecordText<UploadResponse>(answer.body);
+    auto decoded = decodeRecordText<wire::UploadResponse>(answer.body);
     if (!decoded.value)
         throw CloudProcessorError::uploadFailed(decoded.failure);
     return std::move(decoded.value->jobId);
@@ -185,7 +185,7 @@ QCoro::Task<std::string> CloudProcessor::uploadAudio(std::string filePath, std::
 }
 
 QCoro::Task<void> CloudProcessor::startProcessing(std::string jobId, std::string token, MiningMode mode) {
-    const ProcessRequest request{std::move(jobId), std::string(texts(mode).rawValue)};
+    const wire::ProcessRequest request{std::move(jobId), std::string(texts(mode).rawValue)};
     auto body = compactText(encodeRecord(request)).value_or("{}"); // texts alone can always be written
     std::string failure;
     try {
@@ -205,7 +205,7 @@ QCoro::Task<MiningResults> CloudProcessor::pollForResults(std::string jobId, std
         std::string failure;
         try {
             const auto body = co_await m_client.request(endpoint, token);
-            auto decoded = decodeRecordText<JobStatusResponse>(body);
+            auto decoded = decodeRecordText<wire::JobStatusResponse>(body);
             failure = std::move(decoded.failure);
             auto story = decoded.value ? takeIn(std::move(*decoded.value)) : std::nullopt;
             if (story)
@@ -222,7 +222,7 @@ QCoro::Task<MiningResults> CloudProcessor::pollForResults(std::string jobId, std
     throw CloudProcessorError::pollingTimeout();
 }
 
-std::optional<MiningResults> CloudProcessor::takeIn(JobStatusResponse status) {
+std::optional<MiningResults> CloudProcessor::takeIn(wire::JobStatusResponse status) {
     if (status.progress > m_progress)
         setProgress(status.progress);
     if (status.status == "transcribing")

@@ -77,7 +77,7 @@ private:
     QCoro::Task<MiningResults> pollForResults(std::string jobId, std::string token);
 
     /// What a job's status says: the story if it is complete, nothing if it is under way; else a CloudProcessorError.
-    std::optional<MiningResults> takeIn(JobStatusResponse status);
+    std::optional<MiningResults> takeIn(wire::JobStatusResponse status);
 
     void setStep(ProcessingStep step);
     void setProgress(double progress);

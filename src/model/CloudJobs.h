@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-namespace zuvo {
-
-// What is said with the account service about a mine that it does itself.
+/// What is said with the account service about a mine that it does itself. In a namespace of its own, since the program
+/// knows another ProcessRequest, which starts a child process.
+namespace zuvo::wire {
 
 /// The answer to an upload.
 struct UploadResponse {
@@ -40,4 +40,4 @@ struct JobStatusResponse {
     }
 };
 
-} // namespace zuvo
+} // namespace zuvo::wire

@@ -3,13 +3,14 @@
 #include "account/AuthManager.h"
 #include "account/CloudProcessor.h"
 #include "base/Files.h"
+#include "endtoend/Footage.h"
+#include "endtoend/World.h"
 #include "fakes/CoroutineTest.h"
 #include "fakes/TemporaryFolder.h"
 #include "platform/Platform.h"
 #include "platform/ServiceAddresses.h"
 #include "standin/StandIn.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <memory>
@@ -174,20 +175,15 @@ TEST_F(AccountTest, theNewestVersionIsToldWithoutAToken) {
 }
 
 TEST_F(AccountTest, aSoundThatIsUploadedComesBackAsAStory) {
-    const auto sample = StandIn::defaultSampleFolder().toStdString();
-    std::vector<std::string> sounds;
-    for (const auto& entry : std::filesystem::directory_iterator(sample)) {
-        if (entry.path().extension() == ".wav")
-            sounds.push_back(entry.path().string());
-    }
-    ASSERT_FALSE(sounds.empty());
-    std::sort(sounds.begin(), sounds.end());
+    const auto sound = folder / "interview.wav";
+    endtoend::ffmpeg({"-i", endtoend::samplePaths().front(), "-ac", "1", "-ar", "16000", sound});
+    const auto length = endtoend::measured(sound);
 
     const auto processor = CloudProcessor::create(client(), {platform.newUuid, noPause});
     std::vector<std::string> shown;
     QObject::connect(processor.get(), &CloudProcessor::currentStepChanged, processor.get(),
                      [&] { shown.emplace_back(rawValue(processor->currentStep())); });
-    const auto story = runToEnd(processor->processAudio(sounds.front(), "zuvo_ada", MiningMode::fullMine));
+    const auto story = runToEnd(processor->processAudio(sound, "zuvo_ada", MiningMode::fullMine));
 
     EXPECT_THAT(shown, ElementsAre("Uploading to cloud...", "Transcribing...", "Analyzing story structure...",
                                    "Translating...", "Complete"));
@@ -196,13 +192,14 @@ TEST_F(AccountTest, aSoundThatIsUploadedComesBackAsAStory) {
     for (const auto& segment : story.segments) {
         EXPECT_GE(segment.startTime, 0.0);
         EXPECT_LT(segment.startTime, segment.endTime);
+        EXPECT_LE(segment.endTime, length);
         EXPECT_FALSE(segment.transcript.empty());
     }
     ASSERT_TRUE(processor->results().has_value());
     EXPECT_EQ(processor->results()->segments.size(), story.segments.size());
 
     ASSERT_EQ(service.requests(Service::upload).size(), 1U);
-    const auto bytes = readFile(sounds.front());
+    const auto bytes = readFile(sound);
     ASSERT_TRUE(bytes.has_value());
     EXPECT_NE(service.requests(Service::upload).front().body.find(*bytes), std::string::npos);
     EXPECT_EQ(service.requests(Service::process).size(), 1U);

@@ -14,7 +14,7 @@ ZUVO_FUZZ_TARGET {
     fuzzing::roundTrip<VersionInfo>(*json);
     fuzzing::roundTrip<TokenValidation>(*json);
     fuzzing::roundTrip<TokenFile>(*json);
-    fuzzing::roundTrip<UploadResponse>(*json);
-    fuzzing::roundTrip<ProcessRequest>(*json);
-    fuzzing::roundTrip<JobStatusResponse>(*json);
+    fuzzing::roundTrip<wire::UploadResponse>(*json);
+    fuzzing::roundTrip<wire::ProcessRequest>(*json);
+    fuzzing::roundTrip<wire::JobStatusResponse>(*json);
 }

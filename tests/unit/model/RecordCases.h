@@ -151,13 +151,17 @@ inline std::vector<RecordCase> recordCases() {
          {"token", "email", "name"},
          {"email", "name"},
          recodeAs<TokenFile>},
-        {"UploadResponse", R"({"jobId":"job-1"})", {"jobId"}, {}, recodeAs<UploadResponse>},
-        {"ProcessRequest", R"({"jobId":"job-1","mode":"Full Mine"})", {"jobId", "mode"}, {}, recodeAs<ProcessRequest>},
+        {"UploadResponse", R"({"jobId":"job-1"})", {"jobId"}, {}, recodeAs<wire::UploadResponse>},
+        {"ProcessRequest",
+         R"({"jobId":"job-1","mode":"Full Mine"})",
+         {"jobId", "mode"},
+         {},
+         recodeAs<wire::ProcessRequest>},
         {"JobStatusResponse",
          R"({"status":"complete","progress":0.5,"result":{"segments":[],"structure":{"acts":[],"totalDuration":0.0},"subtitles":[],"estimatedDuration":0.0}})",
          {"status", "progress", "result"},
          {"result"},
-         recodeAs<JobStatusResponse>},
+         recodeAs<wire::JobStatusResponse>},
     };
 }
 

@@ -1,4 +1,5 @@
-// Every record that is read from a file or a service: what decodes must encode, and decode again to the same text.
+// Every record of a mine that is read from a file or a service: what decodes must encode, and decode again to the same
+// text.
 
 #include "RecordRoundTrip.h"
 #include "model/AuditReport.h"

@@ -104,3 +104,12 @@ TEST_F(HttpMethod, aChallengeToAGetIsAnAnswerAndIsNotMet) {
     runEventLoop(aWhile);
     EXPECT_EQ(server.requests().size(), 1U);
 }
+
+TEST_F(HttpMethod, anAnswerThatRefusesTheKeyAndIsCutIsNoAnswer) {
+    for (int round = 0; round < 20; ++round) {
+        server.then(answerAndClose("HTTP/1.1 401 No\r\nContent-Length: 100\r\n\r\nhalf"));
+        const auto got = send(get());
+        EXPECT_EQ(got.failure, "Connection closed");
+        EXPECT_EQ(got.status, 0);
+    }
+}

@@ -5,25 +5,21 @@
 
 #include <QString>
 #include <QUrl>
-#include <chrono>
 
 namespace zuvo {
 
 namespace {
-
-/// The platform's own: that long without a byte either way.
-constexpr std::chrono::seconds requestTimeout{60};
 
 bool isAddress(const std::string& url) {
     return QUrl(QString::fromStdString(url), QUrl::StrictMode).isValid();
 }
 
 HttpRequest preparedRequest(std::string url, const std::optional<std::string>& token, std::string method,
-                            std::optional<std::string> body) {
+                            std::optional<std::string> body, std::chrono::milliseconds timeout) {
     HttpRequest prepared;
     prepared.url = std::move(url);
     prepared.method = std::move(method);
-    prepared.timeout = requestTimeout;
+    prepared.timeout = timeout;
     prepared.headers = {{"Content-Type", "application/json"},
                         {"User-Agent", std::string("Zuvo-Manager/") + Constants::App::version}};
     if (token)
@@ -43,13 +39,14 @@ Record decoded(const std::string& body) {
 
 /// Tasks take all they need as arguments, so that they outlive the client that started them.
 QCoro::Task<std::string> send(std::shared_ptr<HttpClient> http, AccountAddresses addresses, std::string endpoint,
-                              std::optional<std::string> token, std::string method, std::optional<std::string> body) {
+                              std::optional<std::string> token, std::string method, std::optional<std::string> body,
+                              std::chrono::milliseconds timeout) {
     if (addresses.isRefused())
         throw APIError::networkError(addresses.refusal);
     auto url = addresses.baseURL + endpoint;
     if (!isAddress(url))
         throw APIError::invalidURL();
-    auto prepared = preparedRequest(std::move(url), token, std::move(method), std::move(body));
+    auto prepared = preparedRequest(std::move(url), token, std::move(method), std::move(body), timeout);
     const auto answer = co_await http->send(std::move(prepared));
     if (answer.hasFailed())
         throw APIError::networkError(answer.failure);
@@ -74,7 +71,8 @@ QCoro::Task<VersionInfo> versionInfoOf(QCoro::Task<std::string> answer) {
 
 QCoro::Task<std::string> APIClient::request(std::string endpoint, std::optional<std::string> token, std::string method,
                                             std::optional<std::string> body) const {
-    return send(m_http, m_addresses, std::move(endpoint), std::move(token), std::move(method), std::move(body));
+    return send(m_http, m_addresses, std::move(endpoint), std::move(token), std::move(method), std::move(body),
+                m_timeout);
 }
 
 QCoro::Task<UserInfo> APIClient::getMe(std::string token) const {

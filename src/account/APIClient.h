@@ -6,11 +6,15 @@
 #include "platform/ServiceAddresses.h"
 
 #include <QCoroTask>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 
 namespace zuvo {
+
+/// The platform's own time-out.
+inline constexpr std::chrono::seconds platformTimeout{60};
 
 /// The client of the account service. It keeps nothing between requests, and each is sent once. Copies share the HTTP
 /// client. A task that runs needs neither the object nor its copy any more.
@@ -19,8 +23,10 @@ namespace zuvo {
 /// networkError with the reason, before anything is sent.
 class APIClient {
 public:
-    APIClient(std::shared_ptr<HttpClient> http, AccountAddresses addresses)
-        : m_http(std::move(http)), m_addresses(std::move(addresses)) {}
+    /// A request fails once nothing has come or gone for `timeout`.
+    APIClient(std::shared_ptr<HttpClient> http, AccountAddresses addresses,
+              std::chrono::milliseconds timeout = platformTimeout)
+        : m_http(std::move(http)), m_addresses(std::move(addresses)), m_timeout(timeout) {}
 
     /// The body of the answer to {baseURL}{endpoint}, which are joined as they stand.
     [[nodiscard]] QCoro::Task<std::string> request(std::string endpoint, std::optional<std::string> token = {},
@@ -38,10 +44,12 @@ public:
 
     [[nodiscard]] const AccountAddresses& addresses() const { return m_addresses; }
     [[nodiscard]] const std::shared_ptr<HttpClient>& http() const { return m_http; }
+    [[nodiscard]] std::chrono::milliseconds timeout() const { return m_timeout; }
 
 private:
     std::shared_ptr<HttpClient> m_http;
     AccountAddresses m_addresses;
+    std::chrono::milliseconds m_timeout;
 };
 
 } // namespace zuvo

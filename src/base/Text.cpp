@@ -70,6 +70,16 @@ std::string trimBytes(std::string_view text, std::string_view bytes) {
     return std::string(text.substr(first, last - first + 1));
 }
 
+/// Length of the control character that starts at `position`, 0 if there is none: C0 and DEL in one byte, C1 in two.
+std::size_t controlLength(std::string_view text, std::size_t position) {
+    const auto byte = static_cast<unsigned char>(text[position]);
+    if ((byte < 0x20 && byte != '\n') || byte == 0x7F)
+        return 1;
+    if (byte == 0xC2 && position + 1 < text.size() && static_cast<unsigned char>(text[position + 1]) < 0xA0)
+        return 2;
+    return 0;
+}
+
 } // namespace
 
 std::size_t characterCount(std::string_view text) {
@@ -196,6 +206,19 @@ std::string fillPlaceholders(std::string_view text, std::span<const Placeholder>
         }
     }
     return filled;
+}
+
+std::string withoutControlCharacters(std::string_view text) {
+    std::string harmless;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto length = controlLength(text, i);
+        if (length > 0)
+            harmless += "\uFFFD";
+        else
+            harmless += text[i];
+        i += length > 0 ? length : 1;
+    }
+    return harmless;
 }
 
 std::string_view pluralS(std::size_t count) {

@@ -59,6 +59,9 @@ struct Placeholder {
 /// transcript in which somebody says "{style}" stays as it is. Of two names that fit at one place the earlier holds.
 [[nodiscard]] std::string fillPlaceholders(std::string_view text, std::span<const Placeholder> placeholders);
 
+/// Foreign text made harmless for a terminal: control characters other than line ends become U+FFFD.
+[[nodiscard]] std::string withoutControlCharacters(std::string_view text);
+
 /// "" for exactly one, else "s".
 [[nodiscard]] std::string_view pluralS(std::size_t count);
 

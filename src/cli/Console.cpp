@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "cli/ReportText.h"
 
 namespace zuvo {
@@ -22,35 +23,12 @@ std::string_view colourCode(const std::string& color) {
     return "";
 }
 
-/// Length of the control character that starts at `position`, 0 if there is none: C0 and DEL in one byte, C1 in two.
-std::size_t controlLength(std::string_view text, std::size_t position) {
-    const auto byte = static_cast<unsigned char>(text[position]);
-    if ((byte < 0x20 && byte != '\n') || byte == 0x7F)
-        return 1;
-    if (byte == 0xC2 && position + 1 < text.size() && static_cast<unsigned char>(text[position + 1]) < 0xA0)
-        return 2;
-    return 0;
-}
-
 } // namespace
 
 ConsoleForm consoleForm(bool json, bool isTerminal, bool hasNoColor) {
     if (json)
         return ConsoleForm::json;
     return isTerminal && !hasNoColor ? ConsoleForm::terminal : ConsoleForm::plain;
-}
-
-std::string withoutControlCharacters(std::string_view text) {
-    std::string harmless;
-    for (std::size_t i = 0; i < text.size();) {
-        const auto length = controlLength(text, i);
-        if (length > 0)
-            harmless += "\uFFFD";
-        else
-            harmless += text[i];
-        i += length > 0 ? length : 1;
-    }
-    return harmless;
 }
 
 void Console::showLog(const PipelineLog& line) {

@@ -19,9 +19,6 @@ enum class ConsoleForm {
 /// The form for standard output: colour and progress only on a terminal, never with NO_COLOR.
 [[nodiscard]] ConsoleForm consoleForm(bool json, bool isTerminal, bool hasNoColor);
 
-/// Foreign text made harmless for a terminal: control characters other than line ends become U+FFFD.
-[[nodiscard]] std::string withoutControlCharacters(std::string_view text);
-
 /// What the last line of a run's JSON form tells.
 struct RunEnd {
     std::string step; ///< name of the step that the run ended in

@@ -1,6 +1,6 @@
 #include "cli/Streams.h"
 
-#include "cli/Console.h"
+#include "base/Text.h"
 
 #include <cstdio>
 

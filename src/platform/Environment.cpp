@@ -2,10 +2,13 @@
 
 #include "platform/FileSystem.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QString>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -104,6 +107,14 @@ std::optional<std::string> Environment::temporaryFolder() const {
         return std::nullopt;
     return folder + "/";
 #endif
+}
+
+std::string Environment::homeHash() const {
+    std::error_code error;
+    const auto resolved = std::filesystem::weakly_canonical(home, error);
+    const auto bytes = QByteArray::fromStdString(error ? home : resolved.string());
+    constexpr int length = 16;
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(length).toStdString();
 }
 
 std::string Environment::cacheFolder() const {

@@ -44,6 +44,9 @@ struct Environment {
     /// another user's: what lies there is trusted later.
     [[nodiscard]] std::optional<std::string> temporaryFolder() const;
 
+    /// One name for the home folder, whatever links and slashes lead to it: 16 hexadecimal digits.
+    [[nodiscard]] std::string homeHash() const;
+
     /// "{home}/Library/Caches/ZuvoManager"
     [[nodiscard]] std::string cacheFolder() const;
 

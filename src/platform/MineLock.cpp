@@ -1,28 +1,12 @@
 #include "platform/MineLock.h"
 
-#include <QCryptographicHash>
 #include <cerrno>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace zuvo {
-
-namespace {
-
-/// One name for a home folder, whatever links and slashes lead to it.
-std::string lockPath(const std::string& folder, const std::string& homeAsGiven) {
-    std::error_code error;
-    const auto resolved = std::filesystem::weakly_canonical(homeAsGiven, error);
-    const auto home = QByteArray::fromStdString(error ? homeAsGiven : resolved.string());
-    constexpr int nameLength = 16;
-    const auto name = QCryptographicHash::hash(home, QCryptographicHash::Sha256).toHex().left(nameLength);
-    return folder + "mine-" + name.toStdString() + ".lock";
-}
-
-} // namespace
 
 MineLock::MineLock(const Environment& environment) {
     const auto folder = environment.temporaryFolder();
@@ -31,7 +15,7 @@ MineLock::MineLock(const Environment& environment) {
                     " cannot be made or is not this user's own";
         return;
     }
-    const auto path = lockPath(*folder, environment.home);
+    const auto path = *folder + "mine-" + environment.homeHash() + ".lock";
     // Closed in children: one that outlives this program must not go on holding the lock.
     m_file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     if (m_file >= 0 && flock(m_file, LOCK_EX | LOCK_NB) == 0)

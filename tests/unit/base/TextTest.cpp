@@ -166,5 +166,16 @@ TEST(AsciiLowered, changesTheLettersFromAToZAlone) {
     EXPECT_EQ(asciiLowered(""), "");
 }
 
+TEST(Text, controlCharactersAreReplacedForATerminal) {
+    EXPECT_EQ(withoutControlCharacters("a\x1b[31m\a\r\tb\x7F"), "a\uFFFD[31m\uFFFD\uFFFD\uFFFDb\uFFFD");
+    EXPECT_EQ(withoutControlCharacters("\u0080\u009B\u009F"), "\uFFFD\uFFFD\uFFFD") << "the second set too";
+    EXPECT_EQ(withoutControlCharacters(std::string_view("\0", 1)), "\uFFFD");
+}
+
+TEST(Text, lineEndsAndAllTextWithoutControlCharactersStay) {
+    for (const std::string text : {"", "a\nb\n", "é 東京 🔊 — “x”", "\u00A0\u00A9", "\xC2"})
+        EXPECT_EQ(withoutControlCharacters(text), text);
+}
+
 } // namespace
 } // namespace zuvo

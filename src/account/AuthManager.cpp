@@ -1,0 +1,180 @@
+#include "account/AuthManager.h"
+
+#include "account/CallbackUrl.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "platform/FileSystem.h"
+#include "platform/TopLevelTask.h"
+
+#include <QPointer>
+#include <exception>
+#include <filesystem>
+#include <utility>
+
+namespace zuvo {
+
+namespace {
+
+/// A larger file, in bytes, is none of ours.
+constexpr std::uint64_t tokenFileLimit = 16ULL * 1024 * 1024;
+
+constexpr int unauthorized = 401;
+
+std::optional<TokenFile> readTokenFile(const std::string& path) {
+    const auto size = fileSize(path);
+    if (!size || *size > tokenFileLimit)
+        return std::nullopt;
+    const auto text = readTextFile(path);
+    return text ? decodeRecordText<TokenFile>(*text).value : std::nullopt;
+}
+
+} // namespace
+
+AuthManager::AuthManager(APIClient client, std::shared_ptr<DesktopOpener> desktop, std::string tokenFile)
+    : m_client(std::move(client)), m_desktop(std::move(desktop)), m_tokenFile(std::move(tokenFile)) {
+    loadStoredToken();
+}
+
+void AuthManager::signIn() {
+    const auto& addresses = m_client.addresses();
+    if (addresses.isRefused())
+        setErrorMessage(addresses.refusal);
+    else
+        (void)m_desktop->openUrl(addresses.authURL);
+}
+
+QCoro::Task<void> AuthManager::signInWithToken(std::string token) {
+    const QPointer<AuthManager> self(this);
+    const auto trimmed = trimWhiteSpace(token);
+    if (trimmed.empty()) {
+        setErrorMessage("Please enter a valid token");
+        co_return;
+    }
+    auto waiting = m_state;
+    waiting.isLoading = true;
+    waiting.errorMessage.reset();
+    setState(std::move(waiting));
+
+    std::optional<UserInfo> user;
+    std::string failure;
+    try {
+        user = co_await m_client.validateToken(trimmed);
+    } catch (const std::exception& error) { // an APIError; any other would leave `isLoading` set
+        failure = error.what();
+    }
+    if (self.isNull())
+        co_return;
+    if (user) {
+        if (const auto error = saveToken(trimmed, *user)) {
+            failure = error.message();
+            user.reset();
+        }
+    }
+    if (user)
+        setToken(trimmed);
+    auto ended = user ? signedInState(*user) : m_state;
+    ended.isLoading = false;
+    if (!user)
+        ended.errorMessage = std::move(failure);
+    setState(std::move(ended));
+}
+
+void AuthManager::signOut() {
+    setToken(std::nullopt);
+    std::error_code ignored;
+    std::filesystem::remove(m_tokenFile, ignored);
+    State signedOut;
+    signedOut.isLoading = m_state.isLoading;
+    signedOut.errorMessage = m_state.errorMessage;
+    setState(std::move(signedOut));
+}
+
+QCoro::Task<void> AuthManager::refreshUser() {
+    if (!m_token)
+        co_return;
+    const QPointer<AuthManager> self(this);
+    const auto number = m_tokenNumber;
+    std::optional<UserInfo> user;
+    bool isRefused = false;
+    try {
+        user = co_await m_client.getMe(*m_token);
+    } catch (const APIError& error) {
+        isRefused = error.kind() == APIError::Kind::httpError && error.statusCode() == unauthorized;
+    }
+    if (self.isNull() || m_tokenNumber != number)
+        co_return;
+    if (user)
+        setState(signedInState(*user));
+    else if (isRefused)
+        signOut();
+}
+
+void AuthManager::handleCallback(const std::string& url) {
+    auto token = tokenOfCallbackUrl(url);
+    if (!token)
+        return;
+    startTopLevelTask(this, "sign-in by link", [this, token = std::move(*token)] { return signInWithToken(token); });
+}
+
+void AuthManager::loadStoredToken() {
+    auto stored = readTokenFile(m_tokenFile);
+    if (!stored)
+        return;
+    setToken(std::move(stored->token));
+    auto state = m_state;
+    state.userName = std::move(stored->name).value_or(state.userName);
+    state.userEmail = std::move(stored->email).value_or(state.userEmail);
+    setState(std::move(state));
+    startTopLevelTask(this, "refresh of the account", [this] { return refreshUser(); });
+}
+
+std::error_code AuthManager::saveToken(const std::string& token, const UserInfo& user) const {
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(m_tokenFile).parent_path(), error);
+    if (error)
+        return error;
+    const auto text = compactText(encodeRecord(TokenFile{token, user.email, user.name}));
+    if (!text)
+        return std::make_error_code(std::errc::invalid_argument);
+    return fileReplacementError(m_tokenFile, *text);
+}
+
+void AuthManager::setState(State state) {
+    const auto before = std::exchange(m_state, std::move(state));
+    const auto after = m_state; // a slot may change it again
+    const QPointer<AuthManager> self(this);
+    const auto tell = [&self](bool hasChanged, void (AuthManager::*changed)()) {
+        if (hasChanged && !self.isNull())
+            Q_EMIT(self.data()->*changed)();
+    };
+    tell(before.userName != after.userName, &AuthManager::userNameChanged);
+    tell(before.userEmail != after.userEmail, &AuthManager::userEmailChanged);
+    tell(before.credits != after.credits, &AuthManager::creditsChanged);
+    tell(before.plan != after.plan, &AuthManager::planChanged);
+    tell(before.errorMessage != after.errorMessage, &AuthManager::errorMessageChanged);
+    tell(before.isLoading != after.isLoading, &AuthManager::isLoadingChanged);
+    tell(before.isSignedIn != after.isSignedIn, &AuthManager::isSignedInChanged);
+}
+
+void AuthManager::setErrorMessage(std::string message) {
+    auto state = m_state;
+    state.errorMessage = std::move(message);
+    setState(std::move(state));
+}
+
+void AuthManager::setToken(std::optional<std::string> token) {
+    m_token = std::move(token);
+    ++m_tokenNumber;
+}
+
+AuthManager::State AuthManager::signedInState(const UserInfo& user) const {
+    auto state = m_state;
+    state.userName = user.name;
+    state.userEmail = user.email;
+    state.credits = user.credits;
+    state.plan = user.plan;
+    state.isSignedIn = true;
+    return state;
+}
+
+} // namespace zuvo

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "account/APIClient.h"
+#include "platform/DesktopOpener.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+
+namespace zuvo {
+
+/// Who is signed in. The token comes from the service by way of the browser, or is pasted by the user, and is kept in a
+/// file; name, credits and plan are the service's last answer. Nothing here is limited by them.
+///
+/// Lives on the thread that made it. A task keeps nothing of the manager alive: one that still waits when the manager
+/// is destroyed ends without a word. No operation reports failure to its caller: the outcome is the state.
+///
+/// An answer is meant for the token that it was asked with: if that token has been replaced or dropped meanwhile, the
+/// answer to a refresh changes nothing.
+class AuthManager final : public QObject {
+    Q_OBJECT
+public:
+    /// Reads the token that `tokenFile` holds, if any, and has it refreshed once the event loop turns. A program makes
+    /// one manager and hands it to all that show it.
+    AuthManager(APIClient client, std::shared_ptr<DesktopOpener> desktop, std::string tokenFile);
+
+    /// True from an answer of the service to this token until `signOut`; a token that was read from the file counts
+    /// only once the service has answered.
+    [[nodiscard]] bool isSignedIn() const { return m_state.isSignedIn; }
+    [[nodiscard]] const std::string& userName() const { return m_state.userName; }
+    [[nodiscard]] const std::string& userEmail() const { return m_state.userEmail; }
+    [[nodiscard]] std::int64_t credits() const { return m_state.credits; }
+    [[nodiscard]] const std::string& plan() const { return m_state.plan; }
+    [[nodiscard]] bool isLoading() const { return m_state.isLoading; } ///< while a sign-in waits for the service
+    [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_state.errorMessage; }
+
+    [[nodiscard]] std::optional<std::string> getToken() const { return m_token; }
+
+    /// Opens the service's sign-in page in the browser, from which a sign-in link comes back. If the service's address
+    /// is refused, `errorMessage` says so and nothing is opened.
+    void signIn();
+
+    /// Asks the service whose token it is (less white space at its ends), keeps it in the file and signs its owner in.
+    /// What fails of this is told by `errorMessage`, and leaves the earlier token, file and user as they were. Of two
+    /// that overlap, the last answer wins.
+    QCoro::Task<void> signInWithToken(std::string token);
+
+    /// Forgets user, token and file. A file that cannot be deleted stays, unseen.
+    void signOut();
+
+    /// Asks the service anew about the token, if there is one. A 401 signs out; any other failure changes nothing, so
+    /// that a token outlives a time without a network.
+    QCoro::Task<void> refreshUser();
+
+    /// Signs in with the token of a sign-in link (`tokenOfCallbackUrl`), once the event loop turns. Any other text is
+    /// passed over.
+    void handleCallback(const std::string& url);
+
+Q_SIGNALS:
+    void isSignedInChanged();
+    void userNameChanged();
+    void userEmailChanged();
+    void creditsChanged();
+    void planChanged();
+    void isLoadingChanged();
+    void errorMessageChanged();
+
+private:
+    struct State {
+        bool isSignedIn = false;
+        std::string userName;
+        std::string userEmail;
+        std::int64_t credits = 0;
+        std::string plan = "Free";
+        bool isLoading = false;
+        std::optional<std::string> errorMessage;
+    };
+
+    void loadStoredToken();
+    [[nodiscard]] std::error_code saveToken(const std::string& token, const UserInfo& user) const;
+
+    /// Takes the state over as a whole, then tells what has changed.
+    void setState(State state);
+    void setErrorMessage(std::string message);
+    void setToken(std::optional<std::string> token);
+    [[nodiscard]] State signedInState(const UserInfo& user) const;
+
+    APIClient m_client;
+    std::shared_ptr<DesktopOpener> m_desktop;
+    std::string m_tokenFile;
+    std::optional<std::string> m_token;
+    std::uint64_t m_tokenNumber = 0; ///< counts the tokens held, so that an answer knows if it is still meant
+    State m_state;
+};
+
+} // namespace zuvo

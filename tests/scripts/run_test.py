@@ -24,6 +24,8 @@ trap 'echo stopped >"$RECORD/standin-stopped"; exit 0' TERM
 sleep 0.2
 echo "OPENAI_BASE_URL=http://127.0.0.1:4711/v1"
 echo "ANTHROPIC_BASE_URL=http://127.0.0.1:4711"
+sleep 0.2
+echo "ZUVO_SERVICE_URL=http://127.0.0.1:4711"
 while :; do sleep 0.1; done
 """
 # Writes down what it was given; a mine leaves a story under its HOME.
@@ -33,7 +35,7 @@ if [[ "$1" == keys ]]; then
     exit "$(cat "$RECORD/keys-status")"
 fi
 {
-    for name in HOME OPENAI_API_KEY ANTHROPIC_API_KEY OPENAI_BASE_URL ANTHROPIC_BASE_URL PWD; do
+    for name in HOME OPENAI_API_KEY ANTHROPIC_API_KEY OPENAI_BASE_URL ANTHROPIC_BASE_URL ZUVO_SERVICE_URL PWD; do
         echo "$name=${!name:-}"
     done
     for argument in "$@"; do echo "argument=$argument"; done
@@ -120,6 +122,7 @@ class RunTest(unittest.TestCase):
             "ANTHROPIC_API_KEY=made-up-key",
             "OPENAI_BASE_URL=http://127.0.0.1:4711/v1",
             "ANTHROPIC_BASE_URL=http://127.0.0.1:4711",
+            "ZUVO_SERVICE_URL=http://127.0.0.1:4711",
             f"PWD={self.elsewhere}",
             "argument=mine",
             f"argument={self.tree}/resources/sample/one.m4a",
@@ -135,7 +138,7 @@ class RunTest(unittest.TestCase):
     def test_the_sample_never_sees_the_callers_keys_or_addresses(self) -> None:
         self.say("keys-status", "0")
         run = self.run_it(OPENAI_API_KEY="real", ANTHROPIC_API_KEY="real", OPENAI_BASE_URL="http://10.0.0.1/v1",
-                          ANTHROPIC_BASE_URL="http://10.0.0.1")
+                          ANTHROPIC_BASE_URL="http://10.0.0.1", ZUVO_SERVICE_URL="http://10.0.0.1")
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertNotIn("real", " ".join(self.zuvo_call()))
         self.assertNotIn("10.0.0.1", " ".join(self.zuvo_call()))
@@ -160,8 +163,8 @@ class RunTest(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertEqual(self.zuvo_call(), [
             f"HOME={self.folder}/home", "OPENAI_API_KEY=mine", "ANTHROPIC_API_KEY=", "OPENAI_BASE_URL=",
-            "ANTHROPIC_BASE_URL=", f"PWD={self.elsewhere}", "argument=mine", "argument=a b.wav", "argument=--minutes",
-            "argument=3"])
+            "ANTHROPIC_BASE_URL=", "ZUVO_SERVICE_URL=", f"PWD={self.elsewhere}", "argument=mine", "argument=a b.wav",
+            "argument=--minutes", "argument=3"])
         self.assertIn("Keys for both services were found", run.stdout)
         self.assertFalse((self.record / "standin-pid").exists())
 
@@ -170,18 +173,19 @@ class RunTest(unittest.TestCase):
         run = self.run_it("mine", "a.wav", ANTHROPIC_API_KEY="real")
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertIn("keys: OPENAI_API_KEY is missing\n", run.stdout)
-        self.assertEqual(self.zuvo_call()[:5], [
+        self.assertEqual(self.zuvo_call()[:6], [
             f"HOME={self.tree}/build/run-home", "OPENAI_API_KEY=made-up-key", "ANTHROPIC_API_KEY=made-up-key",
-            "OPENAI_BASE_URL=http://127.0.0.1:4711/v1", "ANTHROPIC_BASE_URL=http://127.0.0.1:4711"])
+            "OPENAI_BASE_URL=http://127.0.0.1:4711/v1", "ANTHROPIC_BASE_URL=http://127.0.0.1:4711",
+            "ZUVO_SERVICE_URL=http://127.0.0.1:4711"])
         self.assert_standin_is_gone()
 
     def test_an_address_of_the_callers_is_kept_beside_the_standin(self) -> None:
         run = self.run_it("mine", "a.wav", OPENAI_BASE_URL="http://127.0.0.1:9/v1", OPENAI_API_KEY="local",
-                          ANTHROPIC_BASE_URL="  ")
+                          ANTHROPIC_BASE_URL="  ", ZUVO_SERVICE_URL="http://127.0.0.1:8")
         self.assertEqual(run.returncode, 0, run.stderr)
-        self.assertEqual(self.zuvo_call()[1:5], [
+        self.assertEqual(self.zuvo_call()[1:6], [
             "OPENAI_API_KEY=local", "ANTHROPIC_API_KEY=made-up-key", "OPENAI_BASE_URL=http://127.0.0.1:9/v1",
-            "ANTHROPIC_BASE_URL=http://127.0.0.1:4711"])
+            "ANTHROPIC_BASE_URL=http://127.0.0.1:4711", "ZUVO_SERVICE_URL=http://127.0.0.1:8"])
 
     def test_with_both_addresses_of_the_callers_there_is_nothing_left_for_the_standin(self) -> None:
         run = self.run_it("mine", "a.wav", OPENAI_BASE_URL="http://127.0.0.1:9/v1",

@@ -7,8 +7,20 @@
 
 namespace zuvo::standin {
 
-/// The services that are played. `none` is a path that belongs to no service.
-enum class Service { none, transcription, messages };
+/// The services that are played, those behind `messages` being parts of the account service that fail one by one.
+/// `none` is a path that belongs to no service.
+enum class Service {
+    none,
+    transcription,
+    messages,
+    me,
+    version,
+    upload,
+    process,
+    jobs,    ///< the polls of a job
+    archive, ///< the plugin's download
+    page,    ///< what the browser shows: sign-in and billing
+};
 
 using Headers = std::vector<std::pair<std::string, std::string>>;
 

@@ -79,8 +79,17 @@ bool readOption(std::string_view key, const std::optional<std::string_view>& val
 } // namespace
 
 std::optional<FailureOrder> parseFailureOrder(std::string_view text) {
-    static const std::map<std::string_view, Service> services{{"transcription", Service::transcription},
-                                                              {"messages", Service::messages}};
+    static const std::map<std::string_view, Service> services{
+        {"transcription", Service::transcription},
+        {"messages", Service::messages},
+        {"me", Service::me},
+        {"version", Service::version},
+        {"upload", Service::upload},
+        {"process", Service::process},
+        {"jobs", Service::jobs},
+        {"archive", Service::archive},
+        {"page", Service::page},
+    };
     const std::size_t colon = text.find(':');
     const auto service = services.find(text.substr(0, colon));
     if (colon == std::string_view::npos || service == services.end())

@@ -80,7 +80,7 @@ struct FailureOrder {
 /// Reads
 ///
 ///     SERVICE ":" KIND { "," OPTION }
-///     SERVICE  transcription | messages
+///     SERVICE  transcription | messages | me | version | upload | process | jobs | archive | page
 ///     KIND     status=N | unauthorized | redirect=URL | notjson | shape | truncated | drop | cut | stall | delay=MS
 ///              | body=TEXT | reply=TEXT (messages alone)
 ///     OPTION   after=N | count=N | delay=MS | body=TEXT (with status)

@@ -1,5 +1,6 @@
 #include "standin/HttpFront.h"
 
+#include "standin/AccountService.h"
 #include "standin/MessagesService.h"
 #include "standin/StandIn.h"
 #include "standin/TranscriptionService.h"
@@ -24,7 +25,7 @@ Service serviceOf(const QUrl& url) {
     const std::string path = url.path().toStdString();
     if (path == transcriptionPath)
         return Service::transcription;
-    return path == messagesPath ? Service::messages : Service::none;
+    return path == messagesPath ? Service::messages : accountServiceOf(path);
 }
 
 RecordedRequest record(const QHttpServerRequest& request, int connection) {

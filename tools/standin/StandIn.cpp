@@ -13,20 +13,9 @@ Answer plainError(Service service, int status) {
     const std::string message = "The stand-in was told to answer with status " + std::to_string(status) + ".";
     if (service == Service::messages)
         return messagesError(status, "api_error", message);
+    if (isOfAccount(service))
+        return accountError(status, message);
     return transcriptionError(status, "server_error", message);
-}
-
-Answer rightAnswer(const RecordedRequest& request, const SampleKnowledge& sample,
-                   const std::optional<std::string>& replyText) {
-    switch (request.service) {
-    case Service::transcription:
-        return answerTranscription(request, sample);
-    case Service::messages:
-        return answerMessages(request, replyText);
-    case Service::none:
-        break;
-    }
-    return transcriptionError(404, "invalid_request_error", "Unknown path: " + request.path);
 }
 
 } // namespace
@@ -55,6 +44,10 @@ QString StandIn::transcriptionBase() const {
 }
 
 QString StandIn::messagesBase() const {
+    return accountBase();
+}
+
+QString StandIn::accountBase() const {
     return QStringLiteral("http://127.0.0.1:%1").arg(port());
 }
 
@@ -90,7 +83,17 @@ Failure StandIn::takeFailure(Service service) {
     return decided;
 }
 
-Answer StandIn::answer(const RecordedRequest& request, const Failure& failure) const {
+Answer StandIn::rightAnswer(const RecordedRequest& request, const std::optional<std::string>& replyText) {
+    if (isOfAccount(request.service))
+        return m_account.answer(request, m_sample, accountBase().toStdString());
+    if (request.service == Service::transcription)
+        return answerTranscription(request, m_sample);
+    if (request.service == Service::messages)
+        return answerMessages(request, replyText);
+    return transcriptionError(404, "invalid_request_error", "Unknown path: " + request.path);
+}
+
+Answer StandIn::answer(const RecordedRequest& request, const Failure& failure) {
     switch (failure.kind) {
     case FailureKind::status: {
         Answer answer = plainError(request.service, failure.statusCode);
@@ -114,17 +117,17 @@ Answer StandIn::answer(const RecordedRequest& request, const Failure& failure) c
     case FailureKind::stall:
         return {};
     case FailureKind::truncatedJson: {
-        Answer answer = rightAnswer(request, m_sample, {});
+        Answer answer = rightAnswer(request, {});
         answer.body.resize(answer.body.size() / 2);
         return answer;
     }
     case FailureKind::replyText:
-        return rightAnswer(request, m_sample, failure.text);
+        return rightAnswer(request, failure.text);
     case FailureKind::delayOnly:
     case FailureKind::cut:
         break;
     }
-    return rightAnswer(request, m_sample, {});
+    return rightAnswer(request, {});
 }
 
 } // namespace zuvo::standin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "standin/AccountService.h"
 #include "standin/Exchange.h"
 #include "standin/Failure.h"
 #include "standin/SampleKnowledge.h"
@@ -15,8 +16,9 @@ class HttpFront;
 
 /// Plays the remote services on a loopback address, over real sockets, and keeps what it was sent.
 ///
-/// Paths: transcription under `/v1/audio/transcriptions`, messages under `/v1/messages`; any other path is 404. It
-/// lives on the thread that made it and answers from that thread's event loop.
+/// Paths: transcription under `/v1/audio/transcriptions`, messages under `/v1/messages`, the account's as
+/// `AccountService` tells; any other path is 404. It lives on the thread that made it and answers from that thread's
+/// event loop.
 class StandIn : public QObject {
     Q_OBJECT
 
@@ -36,6 +38,16 @@ public:
 
     [[nodiscard]] QString transcriptionBase() const; ///< for OPENAI_BASE_URL, "/v1" included
     [[nodiscard]] QString messagesBase() const;      ///< for ANTHROPIC_BASE_URL
+    [[nodiscard]] QString accountBase() const;       ///< for ZUVO_SERVICE_URL, without a path
+
+    /// Who /me says is signed in.
+    void setAccount(UserInfo account) { m_account.setAccount(std::move(account)); }
+    /// What /version says; until then 0.2.0 with the address of the archive.
+    void setVersion(VersionInfo version) { m_account.setVersion(std::move(version)); }
+    /// What is downloaded as the plugin's archive; until then a good one of version 0.2.0.
+    void setArchive(std::string bytes) { m_account.setArchive(std::move(bytes)); }
+    /// The jobs of the cloud, whose statuses and result can be set.
+    [[nodiscard]] CloudJobs& jobs() { return m_account.jobs(); }
 
     /// From now on those requests of the service fail. The latest order that covers a request decides.
     void fail(Service service, const Failure& failure, Occasion occasion = {});
@@ -61,9 +73,11 @@ private:
     };
 
     [[nodiscard]] Failure takeFailure(Service service);
-    [[nodiscard]] Answer answer(const RecordedRequest& request, const Failure& failure) const;
+    [[nodiscard]] Answer answer(const RecordedRequest& request, const Failure& failure);
+    [[nodiscard]] Answer rightAnswer(const RecordedRequest& request, const std::optional<std::string>& replyText);
 
     SampleKnowledge m_sample;
+    AccountService m_account;
     std::unique_ptr<HttpFront> m_front;
     std::vector<RecordedRequest> m_requests;
     std::vector<Standing> m_standing;

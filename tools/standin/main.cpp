@@ -29,10 +29,14 @@ bool endOnSignals(QCoreApplication& application) {
 }
 
 constexpr const char* description =
-    "Plays the transcription and messages services on 127.0.0.1, for trying the program out and for tests.\n"
-    "Prints two lines that a shell can read, OPENAI_BASE_URL=... and ANTHROPIC_BASE_URL=..., once it is ready.\n"
+    "Plays the transcription, messages and account services on 127.0.0.1, for trying the program out and for tests.\n"
+    "Prints three lines that a shell can read, OPENAI_BASE_URL=..., ANTHROPIC_BASE_URL=... and ZUVO_SERVICE_URL=...,\n"
+    "once it is ready.\n"
     "\n"
-    "A failure is SERVICE:KIND[,OPTION...] with SERVICE transcription or messages and KIND one of\n"
+    "A failure is SERVICE:KIND[,OPTION...] with SERVICE one of\n"
+    "  transcription  messages\n"
+    "  me  version  upload  process  jobs  archive  page (the account's)\n"
+    "and KIND one of\n"
     "  status=N  unauthorized  redirect=URL  notjson  shape  truncated  drop  cut  stall  delay=MS\n"
     "  body=TEXT  reply=TEXT (messages alone)\n"
     "and OPTION one of\n"
@@ -90,8 +94,9 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "zuvo-standin: port %d is taken\n", int{port});
         return 1;
     }
-    std::printf("OPENAI_BASE_URL=%s\nANTHROPIC_BASE_URL=%s\n", qPrintable(standIn.transcriptionBase()),
-                qPrintable(standIn.messagesBase()));
+    std::printf("OPENAI_BASE_URL=%s\nANTHROPIC_BASE_URL=%s\nZUVO_SERVICE_URL=%s\n",
+                qPrintable(standIn.transcriptionBase()), qPrintable(standIn.messagesBase()),
+                qPrintable(standIn.accountBase()));
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

@@ -27,6 +27,18 @@ TEST(FailureOrder, withoutOptionsAllRequestsFail) {
     EXPECT_EQ(order->occasion.count, Occasion::always);
 }
 
+TEST(FailureOrder, everyPartOfTheAccountFailsByItself) {
+    const std::pair<const char*, Service> services[] = {{"me", Service::me},         {"version", Service::version},
+                                                        {"upload", Service::upload}, {"process", Service::process},
+                                                        {"jobs", Service::jobs},     {"archive", Service::archive},
+                                                        {"page", Service::page}};
+    for (const auto& [text, service] : services) {
+        const auto order = parseFailureOrder(std::string(text) + ":status=500");
+        ASSERT_TRUE(order) << text;
+        EXPECT_EQ(order->service, service) << text;
+    }
+}
+
 TEST(FailureOrder, textsRunToTheEndCommasIncluded) {
     const auto body = parseFailureOrder("messages:status=500,after=2,body={\"a\":1,\"b\":2}");
     ASSERT_TRUE(body);
@@ -56,10 +68,11 @@ TEST(FailureOrder, everyKindHasAName) {
 }
 
 TEST(FailureOrder, whatIsNotOfThatFormIsRefused) {
-    for (const char* text : {"", "messages", "messages:", "post:drop", "messages:explode", "messages:status",
-                             "messages:status=abc", "messages:status=99", "messages:status=600", "messages:drop=1",
-                             "messages:drop,after", "messages:drop,after=-1", "messages:drop,after=1x",
-                             "messages:drop,body=x", "transcription:reply=x", "messages:drop,when=1"})
+    for (const char* text :
+         {"", "messages", "messages:", "post:drop", "messages:explode", "messages:status", "messages:status=abc",
+          "messages:status=99", "messages:status=600", "messages:drop=1", "messages:drop,after",
+          "messages:drop,after=-1", "messages:drop,after=1x", "messages:drop,body=x", "transcription:reply=x",
+          "me:reply=x", "account:drop", "messages:drop,when=1"})
         EXPECT_FALSE(parseFailureOrder(text)) << text;
 }
 

@@ -15,10 +15,10 @@ protected:
         ASSERT_TRUE(m_process.waitForStarted(patience));
     }
 
-    /// Starts it and reads the two lines it prints when it is ready.
+    /// Starts it and reads the three lines it prints when it is ready.
     void startReady(const QStringList& arguments) {
         start(arguments);
-        while (m_printed.count('\n') < 2) {
+        while (m_printed.count('\n') < 3) {
             ASSERT_TRUE(m_process.waitForReadyRead(patience)) << m_process.readAllStandardError().toStdString();
             m_printed += m_process.readAllStandardOutput();
         }
@@ -26,16 +26,17 @@ protected:
 
     [[nodiscard]] quint16 port() const {
         const QRegularExpression lines(QStringLiteral("^OPENAI_BASE_URL=http://127\\.0\\.0\\.1:(\\d+)/v1\n"
-                                                      "ANTHROPIC_BASE_URL=http://127\\.0\\.0\\.1:\\1\n$"));
+                                                      "ANTHROPIC_BASE_URL=http://127\\.0\\.0\\.1:\\1\n"
+                                                      "ZUVO_SERVICE_URL=http://127\\.0\\.0\\.1:\\1\n$"));
         return lines.match(QString::fromUtf8(m_printed)).captured(1).toUShort();
     }
 
     /// What comes back for a bare request, up to the end of the head.
-    [[nodiscard]] QByteArray ask() const {
+    [[nodiscard]] QByteArray ask(const QByteArray& what = "POST /v1/messages") const {
         QTcpSocket socket;
         socket.connectToHost(QStringLiteral("127.0.0.1"), port());
         EXPECT_TRUE(socket.waitForConnected(patience));
-        socket.write("POST /v1/messages HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n");
+        socket.write(what + " HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n");
         QByteArray answer;
         while (!answer.contains("\r\n\r\n") && socket.waitForReadyRead(patience))
             answer += socket.readAll();
@@ -53,17 +54,20 @@ protected:
     QByteArray m_printed;
 };
 
-TEST_F(Program, printsBothAddressesAndAnswersThere) {
+TEST_F(Program, printsItsThreeAddressesAndAnswersThere) {
     ASSERT_NO_FATAL_FAILURE(startReady({}));
     ASSERT_NE(port(), 0) << m_printed.toStdString();
     EXPECT_TRUE(ask().startsWith("HTTP/1.1 401 "));
+    EXPECT_TRUE(ask("GET /api/v1/version").startsWith("HTTP/1.1 200 "));
     m_process.terminate();
     EXPECT_EQ(finish(), 0);
 }
 
 TEST_F(Program, failsAsTold) {
     ASSERT_NO_FATAL_FAILURE(startReady({QStringLiteral("--fail"), QStringLiteral("messages:status=503,after=1"),
-                                        QStringLiteral("--fail"), QStringLiteral("transcription:drop")}));
+                                        QStringLiteral("--fail"), QStringLiteral("transcription:drop"),
+                                        QStringLiteral("--fail"), QStringLiteral("version:status=500")}));
+    EXPECT_TRUE(ask("GET /api/v1/version").startsWith("HTTP/1.1 500 "));
     EXPECT_TRUE(ask().startsWith("HTTP/1.1 401 "));
     EXPECT_TRUE(ask().startsWith("HTTP/1.1 503 "));
     m_process.terminate();

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace zuvo;
 using namespace zuvo::tests;
@@ -33,7 +34,11 @@ protected:
         environment.variable = [this](const std::string& name) -> std::optional<std::string> {
             return name == "ZUVO_SERVICE_URL" ? std::optional(services.accountBase().toStdString()) : std::nullopt;
         };
-        plugin = std::make_unique<PluginManager>(shell, resourceFolder(ownBuildTree().folder + "/src"), pluginPath);
+        // A copy, since administrator's lines run only within the test's folder.
+        const auto shipped = resourceFolder(ownBuildTree().folder + "/src").value_or("missing");
+        fs::create_directories(disk / "resources");
+        fs::copy(shipped + "/plugin", disk / "resources/plugin", fs::copy_options::recursive);
+        plugin = std::make_unique<PluginManager>(shell, disk / "resources", pluginPath);
         update = std::make_unique<UpdateManager>(
             UpdateMeans{APIClient(std::make_shared<NetworkHttpClient>(), accountAddresses(environment)),
                         std::make_shared<NetworkDownloader>(), processes, shell,

@@ -38,8 +38,12 @@ void configure(QProcess& process, const ProcessRequest& request) {
         process.setStandardErrorFile(QString::fromStdString(request.errorFile));
     else if (!request.keepsError)
         process.setStandardErrorFile(QProcess::nullDevice());
-    process.setChildProcessModifier([] {
-        ::setpgid(0, 0);
+    process.setChildProcessModifier([hasNoTerminal = request.hasNoTerminal] {
+        // A session of its own is a group of its own too.
+        if (hasNoTerminal)
+            ::setsid();
+        else
+            ::setpgid(0, 0);
 #ifdef Q_OS_LINUX
         // In a group of its own it hears nothing of our end, so that a kill or a closed terminal would leave it
         // running.
@@ -101,11 +105,14 @@ QCoro::Task<ProcessOutcome> ChildProcessRunner::run(ProcessRequest request) {
     std::erase_if(m_children, [](const QPointer<QProcess>& known) { return known.isNull(); });
     m_children.emplace_back(child);
     child->start(QIODevice::ReadOnly);
-    makeGroup(*child);
+    if (!request.hasNoTerminal) // a child that leads a group already can make no session
+        makeGroup(*child);
     co_await ended.future();
 
     outcome.launched = outcome.launchFailure.empty();
-    outcome.succeeded = outcome.launched && child->exitStatus() == QProcess::NormalExit && child->exitCode() == 0;
+    if (outcome.launched && child->exitStatus() == QProcess::NormalExit)
+        outcome.exitStatus = child->exitCode();
+    outcome.succeeded = outcome.exitStatus == 0;
     co_return outcome;
 }
 

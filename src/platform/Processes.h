@@ -27,6 +27,10 @@ struct ProcessRequest {
 
     /// File that takes standard error, created or emptied; empty for none.
     std::string errorFile;
+
+    /// Cuts the child off from the terminal that this program may have been started from. A child that would ask there
+    /// for a password stands still for ever otherwise, since it does not belong to the terminal's foreground.
+    bool hasNoTerminal = false;
 };
 
 /// Where Python programs run: Python looks for modules in its working folder before all others, and the user's may hold
@@ -42,6 +46,7 @@ struct ProcessOutcome {
     bool succeeded = false;    ///< it ended by itself with exit status 0
     std::string standardOutput;
     std::string standardError;
+    std::optional<int> exitStatus = std::nullopt; ///< nothing if it was not launched or did not end by itself
 };
 
 /// Runs child processes one at a time or several at once, with the event loop free meanwhile. There is no time-out.

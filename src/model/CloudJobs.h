@@ -6,10 +6,9 @@
 #include <optional>
 #include <string>
 
-/// The words of a wire, apart from the program's own: a process here is the service's.
+/// What is said with the account service about a mine that it does itself. In a namespace of its own, since the program
+/// knows another ProcessRequest, which starts a child process.
 namespace zuvo::wire {
-
-// What is said with the account service about a mine that it does itself.
 
 /// The answer to an upload.
 struct UploadResponse {

@@ -38,7 +38,8 @@ struct DownloadLimits {
 };
 
 /// The platform's network access. The request has no headers of ours and carries no cookie. Redirects are followed,
-/// here alone, to where `isDownloadAddress` holds.
+/// here alone, to where `isDownloadAddress` holds. The network access may ask once more where a connection closes
+/// unanswered: unlike a request to a paid service, that costs nothing.
 class NetworkDownloader final : public Downloader {
 public:
     explicit NetworkDownloader(DownloadLimits limits = {}) : m_limits(limits) {}

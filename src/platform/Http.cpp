@@ -79,6 +79,15 @@ QNetworkRequest networkRequest(const HttpRequest& request) {
     return prepared;
 }
 
+/// Whether the body of an error ends before its announced length: of a refused key the network access does not always
+/// say that the connection closed in the middle.
+bool isCutError(const QNetworkReply& reply, qint64 bodySize) {
+    constexpr int firstError = 400;
+    const auto announced = reply.header(QNetworkRequest::ContentLengthHeader); // none for what came packed
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() >= firstError && announced.isValid() &&
+           bodySize < announced.toLongLong();
+}
+
 /// Starts the request. The manager owns the reply, and the reply its body.
 QNetworkReply* start(QNetworkAccessManager& manager, HttpRequest request) {
     const auto prepared = networkRequest(request);
@@ -145,6 +154,10 @@ QCoro::Task<HttpAnswer> NetworkHttpClient::send(HttpRequest request) {
     const auto bytes = reply->read(limit + 1); // what came packed grows only now
     if (bytes.size() > limit) {
         answer.failure = tooLongWords;
+        co_return answer;
+    }
+    if (isCutError(*reply, bytes.size())) {
+        answer.failure = "Connection closed";
         co_return answer;
     }
     answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();

@@ -24,8 +24,8 @@ struct ServiceAddress {
 /// {ANTHROPIC_BASE_URL, less a "/v1" at its end}/v1/messages
 [[nodiscard]] ServiceAddress messagesAddress(const Environment& environment);
 
-/// The addresses of the account service: those of `Constants::API`, with the scheme, host and port of ZUVO_SERVICE_URL in
-/// place of their own if it is set. All three are empty if it is refused.
+/// The addresses of the account service: those of `Constants::API`, with the scheme, host and port of ZUVO_SERVICE_URL
+/// in place of their own if it is set. All three are empty if it is refused.
 struct AccountAddresses {
     std::string baseURL;
     std::string authURL;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "base/Fields.h"
+#include "model/Account.h"
 #include "model/AuditReport.h"
+#include "model/CloudJobs.h"
 #include "model/Media.h"
 #include "model/MiningResults.h"
 #include "model/Stores.h"
@@ -129,6 +131,37 @@ inline std::vector<RecordCase> recordCases() {
          {"pace", "structure", "emotion", "length", "boldness", "silence"},
          {},
          recodeAs<StyleSliders>},
+        {"UserInfo",
+         R"({"id":"u1","name":"Ada","email":"ada@example.com","credits":42,"plan":"Studio"})",
+         {"id", "name", "email", "credits", "plan"},
+         {},
+         recodeAs<UserInfo>},
+        {"VersionInfo",
+         R"({"version":"1.2.0","download_url":"https://a.example/b.zip","release_notes":"new\nold"})",
+         {"version", "download_url", "release_notes"},
+         {"download_url", "release_notes"},
+         recodeAs<VersionInfo>},
+        {"TokenValidation",
+         R"({"valid":true,"token":"zuvo_1"})",
+         {"valid", "token"},
+         {"token"},
+         recodeAs<TokenValidation>},
+        {"TokenFile",
+         R"({"token":"zuvo_1","email":"ada@example.com","name":"Ada"})",
+         {"token", "email", "name"},
+         {"email", "name"},
+         recodeAs<TokenFile>},
+        {"UploadResponse", R"({"jobId":"job-1"})", {"jobId"}, {}, recodeAs<wire::UploadResponse>},
+        {"ProcessRequest",
+         R"({"jobId":"job-1","mode":"Full Mine"})",
+         {"jobId", "mode"},
+         {},
+         recodeAs<wire::ProcessRequest>},
+        {"JobStatusResponse",
+         R"({"status":"complete","progress":0.5,"result":{"segments":[],"structure":{"acts":[],"totalDuration":0.0},"subtitles":[],"estimatedDuration":0.0}})",
+         {"status", "progress", "result"},
+         {"result"},
+         recodeAs<wire::JobStatusResponse>},
     };
 }
 

@@ -70,6 +70,13 @@ TEST(Environment, homeIsTheVariable) {
     EXPECT_EQ(environment.cacheFolder(), "/some/where/Library/Caches/ZuvoManager");
 }
 
+TEST(Environment, theTokenFileLiesInTheHomeFolderOfTheProcess) {
+    Environment environment;
+    environment.home = "/some/where";
+    environment.realHomeDir = "/real";
+    EXPECT_EQ(environment.tokenFile(), "/some/where/.zuvo/token.json");
+}
+
 TEST(Environment, homeHasNoSlashAtItsEnd) {
     {
         const WithVariable home("HOME", "/some/where//");

@@ -281,3 +281,31 @@ TEST_F(Processes, aRunnerThatGoesTakesItsChildrenAlong) {
     EXPECT_FALSE(task.result().succeeded);
     EXPECT_TRUE(waitUntil([&life] { return !life.isHeld(); }));
 }
+
+TEST_F(Processes, aChildCutOffFromTheTerminalLeadsASessionOfItsOwn) {
+    auto request = shell("test \"$(cut -d ' ' -f 6 /proc/$$/stat)\" = $$"); // the session's leader is the child itself
+    request.hasNoTerminal = true;
+    EXPECT_TRUE(run(request).succeeded);
+    request.hasNoTerminal = false;
+    EXPECT_FALSE(run(request).succeeded);
+}
+
+TEST_F(Processes, aChildCutOffFromTheTerminalIsEndedWithItsOwnChildren) {
+    const LifeLine life(folder);
+    auto request = shell("sleep 1000 > " + life.path() + " & wait");
+    request.hasNoTerminal = true;
+    RunningTask<ProcessOutcome> running(runner->run(std::move(request)));
+    ASSERT_TRUE(waitUntil([&life] { return life.isHeld(); }));
+    runner->endChildren();
+    EXPECT_FALSE(running.result().succeeded);
+    EXPECT_TRUE(waitUntil([&life] { return !life.isHeld(); }));
+}
+
+TEST_F(Processes, theExitStatusIsKnownOfAChildThatEndsByItself) {
+    EXPECT_EQ(run(shell("exit 0")).exitStatus, 0);
+    EXPECT_EQ(run(shell("exit 126")).exitStatus, 126);
+    EXPECT_EQ(run(shell("kill -9 $$")).exitStatus, std::nullopt);
+    ProcessRequest missing;
+    missing.program = "/no/such/program";
+    EXPECT_EQ(run(missing).exitStatus, std::nullopt);
+}

@@ -1,5 +1,7 @@
 #include "platform/ServiceAddresses.h"
 
+#include "model/ServiceHost.h"
+
 #include <gmock/gmock.h>
 #include <map>
 
@@ -209,11 +211,12 @@ TEST(ServiceAddresses, aRefusalDoesNotShowAPassword) {
     }
 }
 
-TEST(ServiceAddresses, theAccountServiceLivesOnTheReservedHostUnlessBuiltOtherwise) {
+TEST(ServiceAddresses, theAccountServiceLivesOnTheHostThatTheProgramWasBuiltFor) {
+    const std::string host = std::string("https://") + ZUVO_SERVICE_HOST;
     const auto addresses = accountAddresses(environmentWith({}));
-    EXPECT_EQ(addresses.baseURL, "https://zuvo.invalid/api/v1");
-    EXPECT_EQ(addresses.authURL, "https://zuvo.invalid/plugin-auth?callback=zuvo-manager%3A%2F%2Fcallback");
-    EXPECT_EQ(addresses.billingURL, "https://zuvo.invalid/billing");
+    EXPECT_EQ(addresses.baseURL, host + "/api/v1");
+    EXPECT_EQ(addresses.authURL, host + "/plugin-auth?callback=zuvo-manager%3A%2F%2Fcallback");
+    EXPECT_EQ(addresses.billingURL, host + "/billing");
     EXPECT_FALSE(addresses.isRefused());
 }
 

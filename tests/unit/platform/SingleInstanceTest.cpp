@@ -4,6 +4,7 @@
 #include "fakes/TemporaryFolder.h"
 
 #include <QCoreApplication>
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QLockFile>
 #include <QProcess>
@@ -86,13 +87,13 @@ protected:
         environment.home = folder.makeFolder("home");
     }
 
-    /// Sends bytes as they are to the first; true if the connection is ended from there.
+    /// Sends bytes as they are to the first; true if the connection is ended from there, and not for its age alone.
     [[nodiscard]] static bool isCutOff(const SingleInstance& first, const QByteArray& bytes) {
         QLocalSocket socket;
         socket.connectToServer(QString::fromStdString(first.socketPath()));
         EXPECT_EQ(socket.state(), QLocalSocket::ConnectedState);
         socket.write(bytes);
-        return waitUntil([&] { return socket.state() == QLocalSocket::UnconnectedState; }) &&
+        return waitUntil([&] { return socket.state() == QLocalSocket::UnconnectedState; }, 5s) &&
                socket.readAll().isEmpty();
     }
 
@@ -245,6 +246,19 @@ TEST_F(SingleInstances, nobodyElseMayOpenTheSocketWhoseNameSaysWhose) {
     EXPECT_EQ(status.st_mode & 077U, 0U);
     EXPECT_THAT(first.instance.socketPath(),
                 testing::StartsWith(*environment.temporaryFolder() + "manager-" + std::to_string(geteuid()) + "-"));
+}
+
+TEST_F(SingleInstances, anotherUsersSocketIsToldNothing) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give a socket away";
+    const auto path = SingleInstance(environment).socketPath();
+    QLocalServer stranger;
+    ASSERT_TRUE(stranger.listen(QString::fromStdString(path)));
+    constexpr uid_t somebody = 12345;
+    ASSERT_EQ(chown(path.c_str(), somebody, somebody), 0);
+    EXPECT_EQ(Program(environment).instance.start(url), Start::first);
+    runEventLoop(20ms);
+    EXPECT_FALSE(stranger.hasPendingConnections());
 }
 
 TEST_F(SingleInstances, aPathTooLongForASocketGivesWayToAShorterFolder) {

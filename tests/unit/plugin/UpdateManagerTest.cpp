@@ -368,6 +368,7 @@ TEST_F(Update, unzipAndTheCopyAreAskedForToTheLetter) {
     EXPECT_EQ(processes->requests[0].program, "/usr/bin/unzip");
     EXPECT_THAT(processes->requests[0].arguments,
                 ElementsAre("-o", work + "/plugin-update.zip", "-d", work + "/extracted"));
+    EXPECT_TRUE(processes->requests[0].hasNoTerminal); // it could ask for a password there
     EXPECT_THAT(shell->sources, ElementsAre("do shell script \"rm -rf '" + (disk / "plugins/com.tarnwick.zuvo") +
                                             "' && cp -R '" + work + "/extracted/com.tarnwick.zuvo' '" +
                                             (disk / "plugins") + "'\" with administrator privileges"));
@@ -464,8 +465,8 @@ TEST_F(Update, nothingIsWrittenThroughALinkOfTheArchive) {
     givenArchive("link('com.tarnwick.zuvo/out', '" + (disk / "precious") +
                  "')\nz.writestr('com.tarnwick.zuvo/out/file', 'x')");
     downloadAndInstall();
+    EXPECT_THAT(processes->requests, SizeIs(1));
     EXPECT_FALSE(exists("precious/file"));
-    EXPECT_THAT(shell->sources, SizeIs(testing::Le(1U)));
 }
 
 TEST_F(Update, anArchiveWithAPasswordDoesNotWaitForOne) {
@@ -477,6 +478,7 @@ TEST_F(Update, anArchiveWithAPasswordDoesNotWaitForOne) {
                  "d[d.find(b'PK\\x01\\x02') + 8] |= 1\n"
                  "open(sys.argv[1], 'wb').write(d)");
     downloadAndInstall();
+    EXPECT_THAT(progress, ElementsAre(0.5, 0.8, 1.0)); // as with any archive that lacks a file
     EXPECT_FALSE(manager->isDownloading());
 }
 

@@ -17,9 +17,11 @@ QCoro::Task<> refreshed(std::shared_ptr<AuthManager> manager, std::function<void
 
 } // namespace
 
-DashboardViewModel::DashboardViewModel(std::shared_ptr<AuthManager> authManager,
-                                       std::shared_ptr<DesktopOpener> desktop, std::string billingUrl, QObject* parent)
-    : QObject(parent), m_authManager(std::move(authManager)), m_desktop(std::move(desktop)),
+DashboardViewModel::DashboardViewModel(std::shared_ptr<AuthManager> authManager, std::shared_ptr<DesktopOpener> desktop,
+                                       std::string billingUrl, QObject* parent)
+    : QObject(parent),
+      m_authManager(std::move(authManager)),
+      m_desktop(std::move(desktop)),
       m_billingUrl(std::move(billingUrl)) {
     auto* manager = m_authManager.get();
     connect(manager, &AuthManager::userNameChanged, this, &DashboardViewModel::userChanged);

@@ -83,8 +83,8 @@ QImage shadowImage(const ShadowShape& shape) {
     for (int y = 0; y < height; ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < width; ++x) {
-            const auto value = values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                                      static_cast<std::size_t>(x)];
+            const auto value =
+                values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
             const auto alpha = static_cast<int>(std::lround(value * static_cast<float>(shape.color.alpha())));
             line[x] = qPremultiply(qRgba(shape.color.red(), shape.color.green(), shape.color.blue(), alpha));
         }

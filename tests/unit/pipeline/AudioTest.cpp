@@ -1,4 +1,4 @@
-#include "PipelineFixture.h"
+#include "fakes/pipeline/PipelineFixture.h"
 
 using namespace zuvo;
 using namespace zuvo::tests;

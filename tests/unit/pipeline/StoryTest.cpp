@@ -1,4 +1,4 @@
-#include "PipelineFixture.h"
+#include "fakes/pipeline/PipelineFixture.h"
 
 #include "base/Json.h"
 #include "fakes/RawServer.h"

@@ -1,4 +1,4 @@
-#include "PipelineFixture.h"
+#include "fakes/pipeline/PipelineFixture.h"
 
 using namespace std::chrono_literals;
 using namespace zuvo;

@@ -1,4 +1,4 @@
-#include "Fakes.h"
+#include "fakes/pipeline/FakeTools.h"
 
 #include <QCoroFuture>
 #include <QPromise>

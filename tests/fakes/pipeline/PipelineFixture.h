@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Fakes.h"
 #include "fakes/CoroutineTest.h"
 #include "fakes/TemporaryFolder.h"
+#include "fakes/pipeline/FakeTools.h"
 #include "pipeline/LocalPipeline.h"
 
 #include <gmock/gmock.h>

@@ -54,10 +54,21 @@ if [[ "$status" == 0 ]]; then
 fi
 exit "$status"
 """
+# Writes down what it was given, and ends as when its window is closed.
+APPLICATION = """#!/bin/bash
+{
+    for name in HOME OPENAI_API_KEY ANTHROPIC_API_KEY OPENAI_BASE_URL ANTHROPIC_BASE_URL ZUVO_SERVICE_URL; do
+        echo "$name=${!name:-}"
+    done
+    for argument in "$@"; do echo "argument=$argument"; done
+} >"$RECORD/application-call"
+kill -0 "$(cat "$RECORD/standin-pid")" && echo "standin=alive" >>"$RECORD/application-call"
+exit "$(cat "$RECORD/application-status")"
+"""
 # Configuring puts the made-up programs where a build would put the real ones.
 CMAKE = """
 if [[ "$1" == -S ]]; then
-    for place in src/cli/zuvo tools/standin/zuvo-standin; do
+    for place in src/cli/zuvo src/app/ZuvoManager tools/standin/zuvo-standin; do
         mkdir -p "$2/build/release/$(dirname "$place")"
         cp "$RECORD/$(basename "$place")" "$2/build/release/$place"
     done
@@ -82,11 +93,12 @@ class RunTest(unittest.TestCase):
         sample.mkdir(parents=True)
         for name in ("one.m4a", "two.m4a", "README.md"):
             (sample / name).write_text("")
-        for name, text in (("zuvo", ZUVO), ("zuvo-standin", STANDIN)):
+        for name, text in (("zuvo", ZUVO), ("ZuvoManager", APPLICATION), ("zuvo-standin", STANDIN)):
             (self.record / name).write_text(text)
             (self.record / name).chmod(0o755)
         self.say("keys-status", "1")
         self.say("zuvo-status", "0")
+        self.say("application-status", "0")
         programs = FakePrograms(self.folder / "bin")
         programs.add("cmake", CMAKE)
         programs.add("dpkg-query")
@@ -133,6 +145,29 @@ class RunTest(unittest.TestCase):
         self.assertIn("# Story Brief of the test\n", run.stdout)
         self.assertTrue(run.stdout.endswith(
             f"  {home}/Library/Application Support/ZuvoManager/exports/Dropped Files (2)\n"))
+        self.assert_standin_is_gone()
+
+    def test_on_a_desktop_the_window_opens_against_the_standin(self) -> None:
+        for display in ("DISPLAY", "WAYLAND_DISPLAY"):
+            with self.subTest(display=display):
+                run = self.run_it(OPENAI_API_KEY="real", ZUVO_SERVICE_URL="http://10.0.0.1", **{display: ":7"})
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.assertEqual((self.record / "application-call").read_text().splitlines(), [
+                    f"HOME={self.tree}/build/run-home",
+                    "OPENAI_API_KEY=made-up-key",
+                    "ANTHROPIC_API_KEY=made-up-key",
+                    "OPENAI_BASE_URL=http://127.0.0.1:4711/v1",
+                    "ANTHROPIC_BASE_URL=http://127.0.0.1:4711",
+                    "ZUVO_SERVICE_URL=http://127.0.0.1:4711",
+                    "standin=alive",
+                ])
+                self.assertIn("zuvo_try", run.stdout)
+                self.assertFalse((self.record / "zuvo-call").exists())
+                self.assert_standin_is_gone()
+
+    def test_the_status_of_a_window_is_the_applications(self) -> None:
+        self.say("application-status", "1")
+        self.assertEqual(self.run_it(DISPLAY=":7").returncode, 1)
         self.assert_standin_is_gone()
 
     def test_the_sample_never_sees_the_callers_keys_or_addresses(self) -> None:

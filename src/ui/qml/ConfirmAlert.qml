@@ -1,11 +1,11 @@
 import QtQuick
-import QtQuick.Controls.Basic as Controls
+import QtQuick.Controls.Basic
 import QtQuick.Window
 import Zuvo
 
 /// Asks before something that cannot be taken back. Escape keeps things as they are; Return presses the button that the
 /// keyboard is on, which is the safe one at first.
-Controls.Popup {
+Popup {
     id: alert
 
     property string title: ""
@@ -16,20 +16,20 @@ Controls.Popup {
     signal kept()
     signal proceeded()
 
-    parent: Controls.Overlay.overlay
+    parent: Overlay.overlay
     anchors.centerIn: parent
     width: 300
     modal: true
     focus: true
     padding: Theme.spacing24
-    closePolicy: Controls.Popup.CloseOnEscape
+    closePolicy: Popup.CloseOnEscape
 
     property bool hasProceeded: false
     onAboutToShow: hasProceeded = false
     onOpened: keepButton.forceActiveFocus(Qt.TabFocusReason)
     onClosed: hasProceeded ? alert.proceeded() : alert.kept()
 
-    Controls.Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.5) }
+    Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.5) } // qmllint disable
 
     enter: Transition {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 120 }
@@ -60,7 +60,7 @@ Controls.Popup {
         Accessible.role: Accessible.AlertMessage
         Accessible.name: alert.title
         Accessible.description: alert.message
-        Controls.Label {
+        Label {
             width: parent.width
             text: alert.title
             horizontalAlignment: Text.AlignHCenter
@@ -68,7 +68,7 @@ Controls.Popup {
             font: Theme.headline()
             color: Theme.foreground
         }
-        Controls.Label {
+        Label {
             width: parent.width
             text: alert.message
             horizontalAlignment: Text.AlignHCenter

@@ -1,9 +1,10 @@
 import QtQuick
+import QtQuick.Templates as T
 import Zuvo
 
 /// Drawn around a control that the keyboard has reached.
 Rectangle {
-    property Item control: parent
+    property T.Control control: null
     property real cornerRadius: Theme.radiusSm
 
     anchors.fill: parent
@@ -12,5 +13,5 @@ Rectangle {
     color: "transparent"
     border.width: 2
     border.color: Theme.torchGlow
-    visible: control !== null && control.visualFocus === true
+    visible: control !== null && control.visualFocus
 }

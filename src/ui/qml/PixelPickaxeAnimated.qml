@@ -5,7 +5,7 @@ import Zuvo
 Item {
     id: animated
 
-    property real swing: 0 ///< degrees
+    property real swing ///< degrees
 
     implicitWidth: 32
     implicitHeight: 32

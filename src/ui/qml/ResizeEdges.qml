@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Window
-import Zuvo
 
 /// The edges and corners by which a window without a frame is resized: by the window manager if it can, else by hand.
 Item {

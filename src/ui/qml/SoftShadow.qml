@@ -1,5 +1,4 @@
 import QtQuick
-import Zuvo
 
 /// The blurred shadow of a rounded rectangle that this item covers: put it beneath, filling the same area. It is drawn
 /// once for a shape and stretched along its edges, so that it looks the same with and without a graphics card.

@@ -3,11 +3,13 @@ import Zuvo
 
 /// The five steps of the flow. A step that is passed leads back to it.
 Item {
-    id: indicator
+    id: allSteps
 
     required property MineViewModel flow
+    readonly property var stepList: flow.steps
 
     implicitHeight: 68
+
     readonly property real stepsWidth: {
         let sum = 0;
         for (let i = 0; i < steps.count; ++i)
@@ -26,7 +28,7 @@ Item {
             Row {
                 id: step
                 required property int index
-                readonly property var modelData: indicator.flow.steps[index]
+                readonly property var modelData: allSteps.stepList[index]
                 readonly property bool isPassed: modelData.state === "passed"
                 readonly property bool isCurrent: modelData.state === "current"
                 readonly property bool isAhead: modelData.state === "ahead"
@@ -40,7 +42,7 @@ Item {
                     focusPolicy: step.isPassed ? Qt.StrongFocus : Qt.NoFocus
                     hoverEnabled: step.isPassed
                     Accessible.description: step.isPassed ? "Go back to this step" : step.isCurrent ? "Current step" : ""
-                    onClicked: indicator.flow.tapStep(step.index)
+                    onClicked: allSteps.flow.tapStep(step.index)
                     contentItem: Row {
                         spacing: 10
                         Rectangle {
@@ -76,8 +78,8 @@ Item {
                     id: connector
                     visible: step.index < 4
                     anchors.verticalCenter: parent.verticalCenter
-                    leftPadding: indicator.gap
-                    rightPadding: indicator.gap
+                    leftPadding: allSteps.gap
+                    rightPadding: allSteps.gap
                     spacing: 4
                     Repeater {
                         model: 5

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Window
-import Zuvo
 
 /// A strip at the top by which the window is moved; a double click makes it as large as the screen and back.
 Item {

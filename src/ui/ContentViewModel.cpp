@@ -40,7 +40,7 @@ void ContentViewModel::setSelectedTab(int tab) {
         return;
     m_selectedTab = tab;
     Q_EMIT selectedTabChanged();
-    if (m_isSignedIn)
+    if (wantedPageName() != m_pageName)
         showPage();
 }
 

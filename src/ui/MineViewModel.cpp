@@ -67,11 +67,22 @@ QCoro::Task<> buildFromFile(std::shared_ptr<LocalPipeline> pipeline) {
 } // namespace
 
 MineViewModel::MineViewModel(MineTools tools, QObject* parent) : QObject(parent), m_tools(std::move(tools)) {
-    connect(m_tools.pipeline.get(), &LocalPipeline::auditReportChanged, this, &MineViewModel::pageNameChanged);
-    connect(this, &MineViewModel::currentStepChanged, this, &MineViewModel::pageNameChanged);
-    connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::pageNameChanged);
-    connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::estimatedCreditsChanged);
-    connect(this, &MineViewModel::targetMinutesChanged, this, &MineViewModel::estimatedCreditsChanged);
+    connect(m_tools.pipeline.get(), &LocalPipeline::auditReportChanged, this, &MineViewModel::followPageName);
+    connect(this, &MineViewModel::currentStepChanged, this, &MineViewModel::followPageName);
+    connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::followPageName);
+    connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::followEstimate);
+    connect(this, &MineViewModel::targetMinutesChanged, this, &MineViewModel::followEstimate);
+    followPageName();
+    followEstimate();
+}
+
+void MineViewModel::followPageName() {
+    set(m_pageName, wantedPageName(), &MineViewModel::pageNameChanged);
+}
+
+void MineViewModel::followEstimate() {
+    const auto credits = std::max(1.0, std::ceil(m_targetMinutes / minutesOfACredit * costOf(m_selectedMode)));
+    set(m_estimatedCredits, credits, &MineViewModel::estimatedCreditsChanged);
 }
 
 template <class Value>
@@ -82,7 +93,7 @@ void MineViewModel::set(Value& member, Value value, void (MineViewModel::*change
     Q_EMIT(this->*changed)();
 }
 
-QString MineViewModel::pageName() const {
+QString MineViewModel::wantedPageName() const {
     switch (m_currentStep) {
     case MineStep::setup:
         return QStringLiteral("SetupPage");
@@ -170,6 +181,8 @@ void MineViewModel::setSourceMode(SourceMode mode) {
 }
 
 void MineViewModel::setLoadedProject(std::optional<SavedProject> project) {
+    if (!m_loadedProject && !project)
+        return;
     m_loadedProject = std::move(project);
     Q_EMIT loadedProjectChanged();
 }
@@ -177,10 +190,6 @@ void MineViewModel::setLoadedProject(std::optional<SavedProject> project) {
 void MineViewModel::listProjects() {
     m_savedProjects = m_tools.pipeline->listProjects();
     Q_EMIT savedProjectsChanged();
-}
-
-double MineViewModel::estimatedCredits() const {
-    return std::max(1.0, std::ceil(m_targetMinutes / minutesOfACredit * costOf(m_selectedMode)));
 }
 
 std::vector<StorySegment> MineViewModel::reviewSegments() const {
@@ -271,19 +280,28 @@ QCoro::Task<> followRun(std::shared_ptr<LocalPipeline> pipeline, QCoro::Task<> r
         onComplete();
 }
 
+/// In place of a run that was cancelled before it began.
+QCoro::Task<> nothing() {
+    co_return;
+}
+
 } // namespace
+
+QCoro::Task<> MineViewModel::mineAndGoOn() {
+    auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount] {
+        if (!flow.isNull() && flow->m_cancelCount == cancelCount)
+            flow->advanceTo(MineStep::review);
+    };
+    return followRun(m_tools.pipeline, chosenRun(), std::move(goOn));
+}
 
 void MineViewModel::startMining() {
     const bool namesFootage =
         m_sourceMode == SourceMode::files ? !m_droppedFiles.empty() : m_selectedTimeline.has_value();
     if (!namesFootage)
         return;
-    startTopLevelTask(this, "that mines", [this, pipeline = m_tools.pipeline] {
-        const auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount] {
-            if (!flow.isNull() && flow->m_cancelCount == cancelCount)
-                flow->advanceTo(MineStep::review);
-        };
-        return followRun(pipeline, chosenRun(), goOn);
+    startTopLevelTask(this, "that mines", [this, cancelCount = m_cancelCount] {
+        return m_cancelCount == cancelCount ? mineAndGoOn() : nothing();
     });
 }
 

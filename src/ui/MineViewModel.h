@@ -55,7 +55,7 @@ public:
 
     /// "SetupPage", "StylePage", "ProcessingPage", "ReviewPage", "AuditPage", "DonePage", or "NoAuditReport" where an
     /// audit has nothing to show.
-    [[nodiscard]] QString pageName() const;
+    [[nodiscard]] const QString& pageName() const { return m_pageName; }
 
     /// For the step indicator: a map with `label`, `number` (from 1) and `state` ("passed", "current", "ahead") a step.
     [[nodiscard]] QVariantList steps() const;
@@ -99,7 +99,7 @@ public:
     void listProjects();
 
     /// Whole credits that a mine of this mode and length is thought to cost; it limits nothing.
-    [[nodiscard]] double estimatedCredits() const;
+    [[nodiscard]] double estimatedCredits() const { return m_estimatedCredits; }
 
     // What the pages show.
 
@@ -121,7 +121,7 @@ public:
     Q_INVOKABLE void styleNext();
     Q_INVOKABLE void processingDone();
     /// The run is told to stop and the pipeline's state put back, in this order, which lets the run go on unseen: its
-    /// end moves this flow no more.
+    /// end moves this flow no more. A run that has not begun yet does not begin.
     Q_INVOKABLE void cancelMining();
     Q_INVOKABLE void buildTimeline();
     /// The edited story, in the user's order, becomes the result and the hand-off file, and is built.
@@ -156,8 +156,12 @@ Q_SIGNALS:
     void estimatedCreditsChanged();
 
 private:
+    [[nodiscard]] QString wantedPageName() const;
+    void followPageName();
+    void followEstimate();
     /// Starts the run that the choices ask for, if they name footage. Its good end leads to the review.
     void startMining();
+    [[nodiscard]] QCoro::Task<> mineAndGoOn();
     [[nodiscard]] QCoro::Task<> chosenRun() const;
     [[nodiscard]] StoryChoices storyChoices() const;
     [[nodiscard]] SavedProject projectOfThisRun() const;
@@ -183,6 +187,8 @@ private:
     std::vector<SavedProject> m_savedProjects;
     std::vector<DroppedFile> m_droppedFiles;
     SourceMode m_sourceMode = SourceMode::files;
+    QString m_pageName;
+    double m_estimatedCredits = 0.0;
     std::uint64_t m_cancelCount = 0; ///< a run that was cancelled moves the flow no more
 };
 

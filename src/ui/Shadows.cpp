@@ -10,7 +10,7 @@ namespace zuvo {
 
 namespace {
 
-constexpr int largestEdge = 4096;
+constexpr int largestEdge = 1024; ///< a shape is a tile of a few corners: its edges are stretched
 constexpr double largestDeviation = 100.0;
 
 /// The bell curve from -reach to reach, its sum 1.
@@ -69,7 +69,8 @@ std::vector<float> coverage(const ShadowShape& shape, int reach, int width, int 
 
 QImage shadowImage(const ShadowShape& shape) {
     if (shape.size.isEmpty() || shape.size.width() > largestEdge || shape.size.height() > largestEdge ||
-        !(shape.deviation > 0.0) || shape.deviation > largestDeviation)
+        !(shape.deviation > 0.0) || shape.deviation > largestDeviation || !std::isfinite(shape.cornerRadius) ||
+        shape.cornerRadius < 0.0 || !shape.color.isValid())
         return {};
     const int reach = static_cast<int>(std::ceil(3.0 * shape.deviation));
     const int width = shape.size.width() + 2 * reach;

@@ -61,7 +61,8 @@ void SignInViewModel::cancelWaiting() {
 
 void SignInViewModel::toggleTokenField() {
     m_showTokenField = !m_showTokenField;
-    Q_EMIT stageChanged();
+    if (!m_isWaitingForCallback)
+        Q_EMIT stageChanged();
 }
 
 void SignInViewModel::submitToken() {

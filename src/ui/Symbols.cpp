@@ -56,9 +56,11 @@ QStringList symbolNames() {
 
 QImage symbolImage(const QString& name, const QColor& color, const QSize& size) {
     QSvgRenderer drawing(symbolFile(name));
-    if (!drawing.isValid() || size.isEmpty())
+    if (!drawing.isValid() || !color.isValid() || size.isEmpty())
         return {};
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) // there is not that much memory
+        return {};
     image.fill(Qt::transparent);
     QPainter painter(&image);
     drawing.render(&painter);

@@ -16,7 +16,7 @@ namespace zuvo {
 /// Every name in the table.
 [[nodiscard]] QStringList symbolNames();
 
-/// The symbol in one colour; a null image for a name that the table lacks.
+/// The symbol in one colour; a null image for a name that the table lacks, no colour, or a size that cannot be.
 [[nodiscard]] QImage symbolImage(const QString& name, const QColor& color, const QSize& size);
 
 /// "image://symbols/{name}/{#rrggbb or #aarrggbb}"

@@ -62,7 +62,9 @@ bool UpdateViewModel::isUpToDate() const {
 
 QString UpdateViewModel::installedNotice() const {
     constexpr double done = 1.0;
-    const bool hasInstalled = !isInstalling() && m_manager->downloadProgress() >= done && !m_manager->errorMessage();
+    // A later check has words of its own in the same place.
+    const bool hasInstalled = !isInstalling() && !isChecking() && !updateAvailable() &&
+                              m_manager->downloadProgress() >= done && !m_manager->errorMessage();
     return hasInstalled ? shown(m_manager->statusMessage()) : QString();
 }
 

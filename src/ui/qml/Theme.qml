@@ -50,9 +50,10 @@ QtObject {
         GradientStop { position: 1.0; color: theme.faded("#E8A040", 0.0) }
     }
 
-    /// The two colours of a gradient of the gem at `index`, counted round and round.
+    /// The two colours of a gradient of the gem at `index`, counted round and round; of the first without an index.
     function stepGradient(index) {
-        const gem = chapterGems[((index % chapterGems.length) + chapterGems.length) % chapterGems.length];
+        const place = Math.trunc(index ?? 0) % chapterGems.length || 0;
+        const gem = chapterGems[(place + chapterGems.length) % chapterGems.length];
         return [gem, Qt.darker(gem, 1.3)];
     }
 

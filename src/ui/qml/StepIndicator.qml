@@ -3,9 +3,13 @@ import Zuvo
 
 /// The five steps of the flow. A step that is passed leads back to it.
 Item {
-    id: indicator
+    // A button has an `indicator` of its own, which would stand before this name.
+    id: stepIndicator
 
     required property MineViewModel flow
+
+    /// A step that is passed has been chosen; the flow goes to it next.
+    signal chosen()
 
     implicitHeight: 68
     readonly property real stepsWidth: {
@@ -26,7 +30,7 @@ Item {
             Row {
                 id: step
                 required property int index
-                readonly property var modelData: indicator.flow.steps[index]
+                readonly property var modelData: stepIndicator.flow.steps[index]
                 readonly property bool isPassed: modelData.state === "passed"
                 readonly property bool isCurrent: modelData.state === "current"
                 readonly property bool isAhead: modelData.state === "ahead"
@@ -40,7 +44,11 @@ Item {
                     focusPolicy: step.isPassed ? Qt.StrongFocus : Qt.NoFocus
                     hoverEnabled: step.isPassed
                     Accessible.description: step.isPassed ? "Go back to this step" : step.isCurrent ? "Current step" : ""
-                    onClicked: indicator.flow.tapStep(step.index)
+                    onClicked: {
+                        if (step.isPassed)
+                            stepIndicator.chosen();
+                        stepIndicator.flow.tapStep(step.index);
+                    }
                     contentItem: Row {
                         spacing: 10
                         Rectangle {
@@ -76,8 +84,8 @@ Item {
                     id: connector
                     visible: step.index < 4
                     anchors.verticalCenter: parent.verticalCenter
-                    leftPadding: indicator.gap
-                    rightPadding: indicator.gap
+                    leftPadding: stepIndicator.gap
+                    rightPadding: stepIndicator.gap
                     spacing: 4
                     Repeater {
                         model: 5

@@ -14,9 +14,6 @@ PlainButton {
     text: label
     implicitHeight: 36
     ringRadius: Theme.radiusSm
-    // When a screen reader comes, a button gives itself the role of one.
-    Accessible.role: Accessible.PageTab
-    Accessible.onRoleChanged: if (Accessible.role !== Accessible.PageTab) Accessible.role = Accessible.PageTab
     Accessible.selected: isSelected
 
     background: Rectangle {

@@ -24,6 +24,8 @@ Item {
 
     Row {
         anchors.centerIn: parent
+        // With a font that is wider than usual the narrowest window holds the steps a little smaller.
+        scale: Math.min(1, (stepIndicator.width - 8) / implicitWidth)
         Repeater {
             id: steps
             model: 5

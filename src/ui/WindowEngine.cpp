@@ -3,6 +3,9 @@
 #include "ui/Shadows.h"
 #include "ui/Symbols.h"
 
+#include <QGuiApplication>
+#include <QRectF>
+#include <QScreen>
 #include <QUrl>
 #include <QVariantMap>
 
@@ -23,6 +26,9 @@ WindowEngine::WindowEngine(ContentViewModel* content) {
     prepareEngine(m_engine);
     QVariantMap properties;
     properties[QStringLiteral("content")] = QVariant::fromValue(content);
+    // Of one screen: several that stand side by side are no room for one window.
+    if (const auto* screen = QGuiApplication::primaryScreen())
+        properties[QStringLiteral("room")] = QRectF(screen->availableGeometry());
     m_engine.setInitialProperties(properties);
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Zuvo/AppWindow.qml")));
     if (!m_engine.rootObjects().isEmpty())

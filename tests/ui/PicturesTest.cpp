@@ -1,8 +1,7 @@
 #include "fakes/CoroutineTest.h"
-#include "ui/InstallViewModel.h"
-#include "ui/UiWorld.h"
+#include "ui/PluginPageFixture.h"
+#include "ui/ShellFixture.h"
 #include "ui/UpdateViewModel.h"
-#include "ui/WindowDriver.h"
 
 #include <QDir>
 #include <gmock/gmock.h>
@@ -16,47 +15,48 @@ using namespace zuvo::tests;
 
 namespace {
 
-class Pictures : public testing::Test {
+/// What the window shows, under that name.
+void takePicture(WindowDriver& driver, const QString& name) {
+    const auto image = driver.picture();
+    EXPECT_GT(image.width(), 0);
+    EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
+    const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
+    if (folder.isEmpty())
+        return;
+    QDir().mkpath(folder);
+    EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
+}
+
+/// In the usual size and in the smallest.
+void takeBothSizes(WindowDriver& driver, const QString& name) {
+    driver.resize(1100, 750);
+    takePicture(driver, name);
+    driver.resize(900, 600);
+    takePicture(driver, name + QStringLiteral("-minimum-window"));
+    driver.resize(1100, 750);
+}
+
+class Pictures : public ShellFixture {
 protected:
-    void launchSignedIn() {
-        world.givenSignedInBefore();
-        world.launch();
-        driver = std::make_unique<WindowDriver>(&world.content());
-        ASSERT_TRUE(waitUntil([this] { return world.content().isSignedIn(); }));
-    }
-    void launchSignedOut() {
-        world.launch();
-        driver = std::make_unique<WindowDriver>(&world.content());
-    }
-
-    void take(const QString& name) {
-        const auto image = driver->picture();
-        EXPECT_GT(image.width(), 0);
-        EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
-        const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
-        if (folder.isEmpty())
-            return;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-    }
-
-    UiWorld world;
-    std::unique_ptr<WindowDriver> driver;
+    void take(const QString& name) { takePicture(*driver, name); }
 };
+class PluginPictures : public PluginPageFixture {};
 
 } // namespace
 
 TEST_F(Pictures, signIn) {
     launchSignedOut();
     ASSERT_TRUE(driver->waitFor(QStringLiteral("browserButton")));
-    take(QStringLiteral("01-sign-in-a-default"));
+    takeBothSizes(*driver, QStringLiteral("01-sign-in-a-default"));
+    driver->press(Qt::Key_Tab);
+    take(QStringLiteral("01-sign-in-a-keyboard"));
     driver->click(QStringLiteral("tokenChoiceButton"));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("tokenField")));
     world.services.fail(standin::Service::me, standin::Failure::status(401, "Unauthorized"));
     driver->type(QStringLiteral("zuvo_7kq2m9xw41td"));
     driver->press(Qt::Key_Return);
     ASSERT_TRUE(driver->waitFor(QStringLiteral("errorView")));
-    take(QStringLiteral("01-sign-in-b-token-error"));
+    takeBothSizes(*driver, QStringLiteral("01-sign-in-b-token-error"));
     driver->click(QStringLiteral("tokenBackButton"));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("browserButton")));
     driver->click(QStringLiteral("browserButton"));
@@ -68,11 +68,23 @@ TEST_F(Pictures, account) {
     launchSignedIn();
     world.content().setSelectedTab(ContentViewModel::accountTab);
     ASSERT_TRUE(driver->waitFor(QStringLiteral("signOutButton")));
-    take(QStringLiteral("08-account"));
-    driver->resize(900, 600);
-    take(QStringLiteral("08-account-minimum-window"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("refreshButton")));
+    takeBothSizes(*driver, QStringLiteral("08-account"));
     driver->resize(2560, 1440);
     take(QStringLiteral("08-account-large-window"));
+    driver->resize(1100, 750);
+    for (const auto* name : {"refreshButton", "buyCreditsButton", "signOutButton"}) {
+        ASSERT_TRUE(driver->tabTo(QLatin1String(name)));
+        take(QStringLiteral("08-account-keyboard-") + QLatin1String(name));
+    }
+}
+
+TEST_F(Pictures, accountWithoutANameOrAPlan) {
+    world.services.setAccount({"user-1", "", "marta@farofilms.example", 0, ""});
+    launchSignedIn();
+    world.content().setSelectedTab(ContentViewModel::accountTab);
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("refreshButton")));
+    takeBothSizes(*driver, QStringLiteral("08-account-free-no-name"));
 }
 
 TEST_F(Pictures, updates) {
@@ -82,11 +94,11 @@ TEST_F(Pictures, updates) {
                                "after a ripple delete.\nFixes a panel that stayed empty after a project switch."});
     world.content().setSelectedTab(ContentViewModel::updatesTab);
     ASSERT_TRUE(driver->waitFor(QStringLiteral("availableCard")));
-    take(QStringLiteral("09-updates-a-available"));
+    takeBothSizes(*driver, QStringLiteral("09-updates-a-available"));
     world.services.setVersion({"0.1.0", std::nullopt, std::nullopt});
     driver->click(QStringLiteral("checkButton"));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("upToDateCard")));
-    take(QStringLiteral("09-updates-b-up-to-date"));
+    takeBothSizes(*driver, QStringLiteral("09-updates-b-up-to-date"));
     world.services.fail(standin::Service::version, standin::Failure::status(500, "The service is being repaired"));
     driver->click(QStringLiteral("checkButton"));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("errorView")));
@@ -105,4 +117,29 @@ TEST_F(Pictures, flow) {
     take(QStringLiteral("05-discovery-frame-minimum-window"));
     flow->advanceTo(MineStep::done);
     take(QStringLiteral("06-daylight-frame-minimum-window"));
+}
+
+TEST_F(PluginPictures, notInstalled) {
+    show({1100, 750});
+    takeBothSizes(*driver, QStringLiteral("10-plugin-not-installed"));
+}
+
+TEST_F(PluginPictures, installed) {
+    givenInstalled();
+    show({1100, 750});
+    takeBothSizes(*driver, QStringLiteral("10-plugin"));
+    ASSERT_TRUE(driver->tabTo(QStringLiteral("reinstallButton")));
+    takePicture(*driver, QStringLiteral("10-plugin-keyboard"));
+    openAlert();
+    takeBothSizes(*driver, QStringLiteral("10-plugin-alert"));
+}
+
+TEST_F(PluginPictures, failed) {
+    world.administrator = std::make_shared<RecordingAdministratorShell>();
+    world.administrator->thenFails("The administrator's password was not given.");
+    givenInstalled();
+    show({1100, 750});
+    driver->click(QStringLiteral("reinstallButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("errorView")));
+    takeBothSizes(*driver, QStringLiteral("10-plugin-error"));
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr std::chrono::milliseconds animationsEnd{450};
 
 QQuickItem* findVisible(QQuickItem* item, const std::function<bool(QQuickItem*)>& matches) {
-    if (!item->isVisible() || !item->isEnabled() || item->opacity() <= 0.0)
+    if (!item->isVisible() || item->opacity() <= 0.0)
         return nullptr;
     if (matches(item))
         return item;
@@ -27,23 +27,51 @@ QQuickItem* findVisible(QQuickItem* item, const std::function<bool(QQuickItem*)>
     return nullptr;
 }
 
+void collectShown(QQuickItem* item, std::vector<QQuickItem*>& found) {
+    if (!item->isVisible() || item->opacity() <= 0.0)
+        return;
+    found.push_back(item);
+    for (auto* child : item->childItems())
+        collectShown(child, found);
+}
+
 QPoint middleOf(const QQuickItem& item) {
     return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
 }
 
 } // namespace
 
-WindowDriver::WindowDriver(ContentViewModel* content) : m_engine(content) {
-    if (m_engine.window() == nullptr)
+WindowDriver::WindowDriver(ContentViewModel* content) : m_engine(std::make_unique<WindowEngine>(content)) {
+    m_window = m_engine->window();
+    if (m_window == nullptr)
         throw std::runtime_error("The window could not be made");
-    m_engine.window()->show();
-    if (!QTest::qWaitForWindowExposed(m_engine.window()))
+    open();
+}
+
+WindowDriver::WindowDriver(QQuickWindow& window) : m_window(&window) {
+    open();
+}
+
+void WindowDriver::open() {
+    m_window->show();
+    if (!QTest::qWaitForWindowExposed(m_window))
         throw std::runtime_error("The window was not shown");
-    m_engine.window()->requestActivate();
+    m_window->requestActivate();
 }
 
 QQuickItem* WindowDriver::find(const QString& name) {
+    return findVisible(window().contentItem(),
+                       [&name](const QQuickItem* item) { return item->objectName() == name && item->isEnabled(); });
+}
+
+QQuickItem* WindowDriver::findEvenDisabled(const QString& name) {
     return findVisible(window().contentItem(), [&name](const QQuickItem* item) { return item->objectName() == name; });
+}
+
+std::vector<QQuickItem*> WindowDriver::shownItems() {
+    std::vector<QQuickItem*> found;
+    collectShown(window().contentItem(), found);
+    return found;
 }
 
 bool WindowDriver::waitFor(const QString& name) {
@@ -94,6 +122,26 @@ void WindowDriver::type(const QString& text) {
 
 void WindowDriver::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(&window(), key, modifiers);
+}
+
+void WindowDriver::drag(QPoint from, QPoint way) {
+    constexpr int steps = 10;
+    // The window may move under the pointer: the places are those of the screen.
+    const auto start = window().mapToGlobal(from);
+    QTest::mousePress(&window(), Qt::LeftButton, Qt::NoModifier, from);
+    for (int step = 1; step <= steps; ++step)
+        QTest::mouseMove(&window(), window().mapFromGlobal(start + way * step / steps));
+    QTest::mouseRelease(&window(), Qt::LeftButton, Qt::NoModifier, window().mapFromGlobal(start + way));
+}
+
+bool WindowDriver::tabTo(const QString& name) {
+    constexpr int moreThanAnyPageHas = 60;
+    for (int presses = 0; presses < moreThanAnyPageHas; ++presses) {
+        press(Qt::Key_Tab);
+        if (focusedName() == name)
+            return true;
+    }
+    return false;
 }
 
 QString WindowDriver::focusedName() {

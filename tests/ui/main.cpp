@@ -1,3 +1,5 @@
+#include "ui/QmlWarnings.h"
+
 #include <QFile>
 #include <QGuiApplication>
 #include <QQuickStyle>
@@ -7,25 +9,31 @@
 namespace {
 
 /// A screen with room for the largest window that is looked at, at twice its scale.
+constexpr const char* wideScreen = R"([{"name":"screen","x":0,"y":0,"width":5200,"height":3000,"logicalDpi":96,)"
+                                   R"("logicalBaseDpi":96,"dpr":1}])";
+
+/// The list of screens may be given in the variable ZUVO_TEST_SCREENS.
 QString screenFile(const QTemporaryDir& folder) {
     QFile file(folder.filePath(QStringLiteral("screens.json")));
     if (!file.open(QIODevice::WriteOnly))
         return {};
-    file.write(R"({"screens":[{"name":"screen","x":0,"y":0,"width":5200,"height":3000,"logicalDpi":96,)"
-               R"("logicalBaseDpi":96,"dpr":1}]})");
+    file.write("{\"screens\":" + qEnvironmentVariable("ZUVO_TEST_SCREENS", QLatin1String(wideScreen)).toUtf8() + "}");
     return file.fileName();
 }
 
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    // Windows that no screen shows, drawn the same to the byte on every machine.
+    // Windows that no screen shows, drawn the same to the byte on every machine. A person may ask for another platform.
     const QTemporaryDir runtimeFolder;
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screenFile(runtimeFolder).toUtf8());
-    qputenv("QT_QUICK_BACKEND", "software");
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screenFile(runtimeFolder).toUtf8());
+        qputenv("QT_QUICK_BACKEND", "software");
+    }
     qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toUtf8());
     const QGuiApplication application(argumentCount, arguments);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     testing::InitGoogleMock(&argumentCount, arguments);
+    zuvo::tests::failOnQmlWarnings();
     return RUN_ALL_TESTS();
 }

@@ -7,19 +7,21 @@ Window {
     id: window
 
     required property ContentViewModel content
+    /// What the screen has to give: where the window opens, and how large it may be at first.
+    required property rect room
 
     title: "Zuvo"
     flags: Qt.Window | Qt.FramelessWindowHint
-    // Never larger than what the screen has to give.
-    minimumWidth: Math.min(900, Screen.desktopAvailableWidth)
-    minimumHeight: Math.min(600, Screen.desktopAvailableHeight)
-    width: Math.min(1100, Screen.desktopAvailableWidth)
-    height: Math.min(750, Screen.desktopAvailableHeight)
+    // Never larger than its room.
+    minimumWidth: Math.min(900, room.width)
+    minimumHeight: Math.min(600, room.height)
+    width: Math.min(1100, room.width)
+    height: Math.min(750, room.height)
     color: Qt.rgba(0.102, 0.086, 0.071, 1)
 
     Component.onCompleted: {
-        x = Screen.virtualX + (Screen.desktopAvailableWidth - width) / 2;
-        y = Screen.virtualY + (Screen.desktopAvailableHeight - height) / 2;
+        x = room.x + (room.width - width) / 2;
+        y = room.y + (room.height - height) / 2;
     }
 
     /// Brings the window up, whatever hides it.
@@ -30,6 +32,13 @@ Window {
         window.requestActivate();
     }
 
+    // The first that Tab reaches, as they stand first.
+    WindowButtons {
+        z: 2
+        x: 20
+        y: 20
+        window: window
+    }
     // Above the controls of every page, and over the sidebar as far down as its first text.
     TitleStrip {
         z: 1
@@ -47,12 +56,6 @@ Window {
         anchors.fill: parent
         content: window.content
         focus: true
-    }
-    WindowButtons {
-        z: 2
-        x: 20
-        y: 20
-        window: window
     }
     ResizeEdges {
         z: 3

@@ -1,11 +1,12 @@
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Controls.Basic as Controls
+import QtQuick.Templates as T
 import QtQuick.Window
 import Zuvo
 
 /// Asks before something that cannot be taken back. Escape keeps things as they are; Return presses the button that the
 /// keyboard is on, which is the safe one at first.
-Popup {
+Controls.Popup {
     id: alert
 
     property string title: ""
@@ -16,20 +17,35 @@ Popup {
     signal kept()
     signal proceeded()
 
-    parent: Overlay.overlay
+    parent: T.Overlay.overlay
     anchors.centerIn: parent
     width: 300
     modal: true
     focus: true
     padding: Theme.spacing24
-    closePolicy: Popup.CloseOnEscape
+    closePolicy: Controls.Popup.CloseOnEscape
 
     property bool hasProceeded: false
-    onAboutToShow: hasProceeded = false
+    /// What has the keyboard when the question is asked, and has it again afterwards.
+    property Item asker: null
+    property int askerReason: Qt.OtherFocusReason
+    onAboutToShow: {
+        hasProceeded = false;
+        asker = parent.Window.activeFocusItem;
+        askerReason = asker && asker.visualFocus === true ? Qt.TabFocusReason : Qt.OtherFocusReason;
+    }
     onOpened: keepButton.forceActiveFocus(Qt.TabFocusReason)
-    onClosed: hasProceeded ? alert.proceeded() : alert.kept()
+    onClosed: {
+        if (asker)
+            asker.forceActiveFocus(askerReason);
+        asker = null;
+        if (hasProceeded)
+            alert.proceeded();
+        else
+            alert.kept();
+    }
 
-    Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.5) } // qmllint disable
+    T.Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.5) }
 
     enter: Transition {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 120 }
@@ -60,7 +76,7 @@ Popup {
         Accessible.role: Accessible.AlertMessage
         Accessible.name: alert.title
         Accessible.description: alert.message
-        Label {
+        Controls.Label {
             width: parent.width
             text: alert.title
             horizontalAlignment: Text.AlignHCenter
@@ -68,7 +84,7 @@ Popup {
             font: Theme.headline()
             color: Theme.foreground
         }
-        Label {
+        Controls.Label {
             width: parent.width
             text: alert.message
             horizontalAlignment: Text.AlignHCenter

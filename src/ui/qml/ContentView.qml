@@ -41,7 +41,7 @@ FocusScope {
         if (content.pageName === "")
             page.source = "";
         else
-            page.setSource(content.pageName + ".qml", { "model": content.page });
+            page.setSource(content.pageName + ".qml", { "model": content.page, "focus": true });
     }
 
     Connections {

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Zuvo
 
 /// What went wrong, in the failure's own words.
@@ -11,6 +10,8 @@ Row {
 
     visible: text !== ""
     spacing: Theme.spacing8
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: text
 
     Symbol {
         y: 1
@@ -18,7 +19,8 @@ Row {
         size: 14
         color: Theme.error
     }
-    Label {
+    // No label, which would be told beside the line.
+    Text {
         width: Math.min(implicitWidth, line.maximumWidth - 17 - line.spacing)
         text: line.text
         textFormat: Text.PlainText
@@ -27,7 +29,5 @@ Row {
         elide: Text.ElideRight
         font: Theme.textFont(13, Font.Medium)
         color: Theme.error
-        Accessible.role: Accessible.AlertMessage
-        Accessible.name: text
     }
 }

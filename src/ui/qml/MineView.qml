@@ -15,8 +15,11 @@ FocusScope {
         id: stepIndicator
         width: parent.width
         flow: view.model
+        // The step that is gone back to takes the keyboard no longer: the page does.
+        onChosen: pageStack.forceActiveFocus()
     }
     PageStack {
+        id: pageStack
         objectName: "pageStack"
         y: stepIndicator.height
         width: parent.width

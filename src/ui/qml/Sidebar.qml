@@ -57,6 +57,7 @@ FocusScope {
             model: sidebar.content.sidebar
             SidebarItem {
                 required property var modelData
+                objectName: "tab" + modelData.tab
                 width: parent.width
                 label: modelData.label
                 iconName: modelData.icon

@@ -14,7 +14,6 @@ PlainButton {
     text: label
     implicitHeight: 36
     ringRadius: Theme.radiusSm
-    Accessible.role: Accessible.PageTab
     Accessible.selected: isSelected
 
     background: Rectangle {

@@ -3,13 +3,15 @@ import Zuvo
 
 /// The five steps of the flow. A step that is passed leads back to it.
 Item {
-    id: allSteps
+    // A button has an `indicator` of its own, which would stand before this name.
+    id: stepIndicator
 
     required property MineViewModel flow
-    readonly property var stepList: flow.steps
+
+    /// A step that is passed has been chosen; the flow goes to it next.
+    signal chosen()
 
     implicitHeight: 68
-
     readonly property real stepsWidth: {
         let sum = 0;
         for (let i = 0; i < steps.count; ++i)
@@ -22,13 +24,15 @@ Item {
 
     Row {
         anchors.centerIn: parent
+        // With a font that is wider than usual the narrowest window holds the steps a little smaller.
+        scale: Math.min(1, (stepIndicator.width - 8) / implicitWidth)
         Repeater {
             id: steps
             model: 5
             Row {
                 id: step
                 required property int index
-                readonly property var modelData: allSteps.stepList[index]
+                readonly property var modelData: stepIndicator.flow.steps[index]
                 readonly property bool isPassed: modelData.state === "passed"
                 readonly property bool isCurrent: modelData.state === "current"
                 readonly property bool isAhead: modelData.state === "ahead"
@@ -42,7 +46,11 @@ Item {
                     focusPolicy: step.isPassed ? Qt.StrongFocus : Qt.NoFocus
                     hoverEnabled: step.isPassed
                     Accessible.description: step.isPassed ? "Go back to this step" : step.isCurrent ? "Current step" : ""
-                    onClicked: allSteps.flow.tapStep(step.index)
+                    onClicked: {
+                        if (step.isPassed)
+                            stepIndicator.chosen();
+                        stepIndicator.flow.tapStep(step.index);
+                    }
                     contentItem: Row {
                         spacing: 10
                         Rectangle {
@@ -78,8 +86,8 @@ Item {
                     id: connector
                     visible: step.index < 4
                     anchors.verticalCenter: parent.verticalCenter
-                    leftPadding: allSteps.gap
-                    rightPadding: allSteps.gap
+                    leftPadding: stepIndicator.gap
+                    rightPadding: stepIndicator.gap
                     spacing: 4
                     Repeater {
                         model: 5

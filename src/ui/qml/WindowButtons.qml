@@ -32,18 +32,21 @@ Row {
     }
 
     Dot {
+        objectName: "closeButton"
         text: "Close"
         mark: "×"
         color: Qt.rgba(1.0, 0.37, 0.34, 1)
         onClicked: buttons.window.close()
     }
     Dot {
+        objectName: "minimiseButton"
         text: "Minimise"
         mark: "–"
         color: Qt.rgba(0.99, 0.74, 0.18, 1)
         onClicked: buttons.window.showMinimized()
     }
     Dot {
+        objectName: "zoomButton"
         text: "Zoom"
         mark: "+"
         color: Qt.rgba(0.16, 0.78, 0.25, 1)

@@ -1,0 +1,211 @@
+#include "platform/Http.h"
+#include "ui/ShellFixture.h"
+
+#include <filesystem>
+
+// The page that stands until somebody is signed in, under the hands of a user.
+
+using namespace zuvo;
+using namespace zuvo::tests;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+class SignInPageTest : public ShellFixture {
+protected:
+    SignInPageTest() = default;
+
+    void openTokenField() {
+        driver->click(QStringLiteral("tokenChoiceButton"));
+        ASSERT_TRUE(waitForFocus(QStringLiteral("tokenField")));
+    }
+    [[nodiscard]] QString typedToken() {
+        const auto* field = driver->findEvenDisabled(QStringLiteral("tokenField"));
+        return field == nullptr ? QString() : field->property("text").toString();
+    }
+    [[nodiscard]] std::size_t requestsForMe() const { return world.services.requests(standin::Service::me).size(); }
+
+    /// The link behind the button of the page that the browser was sent to.
+    [[nodiscard]] std::string linkOfOpenedPage() const {
+        if (world.desktop->urls.empty())
+            return {};
+        NetworkHttpClient browser;
+        HttpRequest request;
+        request.url = world.desktop->urls.back();
+        request.method = "GET";
+        request.timeout = std::chrono::seconds(15);
+        const auto page = runToEnd(browser.send(request));
+        const std::string start = "href=\"";
+        const auto from = page.body.find(start);
+        if (from == std::string::npos)
+            return {};
+        const auto link = page.body.substr(from + start.size());
+        return link.substr(0, link.find('"'));
+    }
+};
+
+} // namespace
+
+TEST_F(SignInPageTest, aTokenTypedAndSubmittedByMouseLeadsToTheMainLayout) {
+    launchSignedOut();
+    openTokenField();
+    driver->type(QStringLiteral("zuvo_abc"));
+    driver->click(QStringLiteral("submitTokenButton"));
+    ASSERT_TRUE(waitForMainLayout());
+    EXPECT_FALSE(driver->shows(QStringLiteral("tokenField")));
+    const auto asked = world.services.requests(standin::Service::me);
+    ASSERT_THAT(asked, SizeIs(1));
+    EXPECT_EQ(asked.front().header("Authorization"), "Bearer zuvo_abc");
+    EXPECT_TRUE(std::filesystem::exists(world.tokenFile()));
+}
+
+TEST_F(SignInPageTest, theKeyboardAloneSignsInByToken) {
+    launchSignedOut();
+    ASSERT_TRUE(driver->tabTo(QStringLiteral("tokenChoiceButton")));
+    driver->press(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("tokenField")));
+    driver->type(QStringLiteral("zuvo_abc"));
+    ASSERT_TRUE(driver->tabTo(QStringLiteral("submitTokenButton")));
+    driver->press(Qt::Key_Space);
+    EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, returnInTheFieldSubmitsTheToken) {
+    launchSignedOut();
+    openTokenField();
+    driver->type(QStringLiteral("zuvo_abc"));
+    driver->press(Qt::Key_Return);
+    EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, theButtonIsDisabledWhileTheFieldIsEmpty) {
+    launchSignedOut();
+    openTokenField();
+    const auto isEnabled = [this] {
+        return driver->findEvenDisabled(QStringLiteral("submitTokenButton"))->isEnabled();
+    };
+    EXPECT_FALSE(isEnabled());
+    driver->press(Qt::Key_Return);
+    driver->type(QStringLiteral("z"));
+    EXPECT_TRUE(isEnabled());
+    driver->press(Qt::Key_Backspace);
+    EXPECT_FALSE(isEnabled());
+    runEventLoop(std::chrono::milliseconds(50));
+    EXPECT_EQ(requestsForMe(), 0U);
+}
+
+TEST_F(SignInPageTest, aRefusedTokenShowsTheErrorAndKeepsWhatWasTyped) {
+    launchSignedOut();
+    world.services.fail(standin::Service::me, standin::Failure::status(401, "Unauthorized"));
+    openTokenField();
+    driver->type(QStringLiteral("zuvo_wrong"));
+    driver->click(QStringLiteral("submitTokenButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("errorView")));
+    EXPECT_EQ(typedToken(), QStringLiteral("zuvo_wrong"));
+    EXPECT_FALSE(world.content().isSignedIn());
+    // Mended, it is taken.
+    world.services.failNothing();
+    driver->click(QStringLiteral("submitTokenButton"));
+    EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, theButtonSaysThatTheTokenIsVerifiedWhileTheServiceIsAsked) {
+    launchSignedOut();
+    world.services.fail(standin::Service::me, standin::Failure::late(std::chrono::milliseconds(300)));
+    openTokenField();
+    EXPECT_TRUE(driver->showsText(QStringLiteral("Sign In")));
+    driver->type(QStringLiteral("zuvo_abc"));
+    driver->press(Qt::Key_Return);
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("Verifying...")));
+    EXPECT_FALSE(driver->showsText(QStringLiteral("Sign In")));
+    EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, whatWasTypedIsStillThereAfterBackAndForth) {
+    launchSignedOut();
+    openTokenField();
+    driver->type(QStringLiteral("zuvo_half"));
+    driver->click(QStringLiteral("tokenBackButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("browserButton")));
+    EXPECT_FALSE(driver->shows(QStringLiteral("tokenField")));
+    openTokenField();
+    EXPECT_EQ(typedToken(), QStringLiteral("zuvo_half"));
+}
+
+TEST_F(SignInPageTest, escapeLeavesTheTokenField) {
+    launchSignedOut();
+    openTokenField();
+    driver->press(Qt::Key_Escape);
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("browserButton")));
+}
+
+TEST_F(SignInPageTest, theFirstReturnOpensTheSignInPageInTheBrowser) {
+    launchSignedOut();
+    ASSERT_TRUE(waitForFocus(QStringLiteral("browserButton")));
+    driver->press(Qt::Key_Return);
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("cancelWaitingButton")));
+    EXPECT_TRUE(driver->showsText(QStringLiteral("Waiting for browser sign-in...")));
+    EXPECT_THAT(world.desktop->urls, ElementsAre(world.services.accountBase().toStdString() +
+                                                 "/plugin-auth?callback=zuvo-manager%3A%2F%2Fcallback"));
+}
+
+TEST_F(SignInPageTest, cancelLeavesTheWaitingAndALaterLinkStillSignsIn) {
+    launchSignedOut();
+    driver->click(QStringLiteral("browserButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("cancelWaitingButton")));
+    driver->click(QStringLiteral("cancelWaitingButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("browserButton")));
+    EXPECT_FALSE(world.content().isSignedIn());
+
+    const auto link = linkOfOpenedPage();
+    ASSERT_THAT(link, StartsWith("zuvo-manager://callback?token="));
+    world.app().handleCallback(link);
+    EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, theLinkSignsInWhileThePageWaits) {
+    launchSignedOut();
+    driver->click(QStringLiteral("browserButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("cancelWaitingButton")));
+    world.app().handleCallback(linkOfOpenedPage());
+    EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, escapeLeavesTheWaiting) {
+    launchSignedOut();
+    driver->click(QStringLiteral("browserButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("cancelWaitingButton")));
+    driver->press(Qt::Key_Escape);
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("browserButton")));
+    EXPECT_FALSE(driver->shows(QStringLiteral("cancelWaitingButton")));
+}
+
+TEST_F(SignInPageTest, aRefusedLinkShowsItsErrorBeneathTheWaiting) {
+    launchSignedOut();
+    driver->click(QStringLiteral("browserButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("cancelWaitingButton")));
+    world.services.fail(standin::Service::me, standin::Failure::status(401, "Unauthorized"));
+    world.app().handleCallback("zuvo-manager://callback?token=zuvo_old");
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("errorView")));
+    EXPECT_TRUE(driver->shows(QStringLiteral("cancelWaitingButton")));
+}
+
+TEST_F(SignInPageTest, aLinkWithoutATokenChangesNothing) {
+    launchSignedOut();
+    for (const auto* link :
+         {"zuvo-manager://callback", "zuvo-manager://open?token=a", "http://callback?token=zuvo_a", "no link", ""})
+        world.app().handleCallback(link);
+    runEventLoop(std::chrono::milliseconds(50));
+    EXPECT_EQ(requestsForMe(), 0U);
+    EXPECT_TRUE(driver->shows(QStringLiteral("browserButton")));
+    EXPECT_FALSE(driver->shows(QStringLiteral("errorView")));
+}
+
+TEST_F(SignInPageTest, whoeverWasSignedInBeforeIsNotAskedAgain) {
+    launchSignedIn();
+    EXPECT_TRUE(waitForMainLayout());
+    EXPECT_THAT(world.desktop->urls, IsEmpty());
+}

@@ -17,6 +17,12 @@ struct DroppedFile {
     bool isProbing = true;                  ///< until the probe has returned
 
     [[nodiscard]] QString filename() const { return url.fileName(); }
+
+    /// The file's size as the rows show it, in decimal units; "0 B" for a file that is not there.
+    [[nodiscard]] QString formattedSize() const;
+
+    /// 999 gives "999 B", 1000 "1 KB", 730900000 "730.9 MB", 18400000000 "18.4 GB".
+    [[nodiscard]] static QString formattedSize(double bytes);
 };
 
 } // namespace zuvo

@@ -176,6 +176,17 @@ void MineViewModel::setDroppedFiles(std::vector<DroppedFile> files) {
     Q_EMIT droppedFilesChanged();
 }
 
+void MineViewModel::finishProbe(const QUuid& id, std::optional<ProbeResult> result) {
+    const auto found = std::find_if(m_droppedFiles.begin(), m_droppedFiles.end(),
+                                    [&id](const DroppedFile& file) { return file.id == id; });
+    if (found == m_droppedFiles.end())
+        return;
+    if (result)
+        found->probeResult = std::move(result);
+    found->isProbing = false;
+    Q_EMIT droppedFilesChanged();
+}
+
 void MineViewModel::setSourceMode(SourceMode mode) {
     set(m_sourceMode, mode, &MineViewModel::sourceModeChanged);
 }

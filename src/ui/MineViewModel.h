@@ -95,6 +95,8 @@ public:
     void setRating(std::optional<int> rating);
     void setDroppedFiles(std::vector<DroppedFile> files);
     void setSourceMode(SourceMode mode);
+    /// What a probe came to, for the dropped file of that id; nothing happens if that was removed meanwhile.
+    void finishProbe(const QUuid& id, std::optional<ProbeResult> result);
     /// Lists the saved projects anew.
     void listProjects();
 

@@ -1,0 +1,94 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Shapes
+import Zuvo
+
+/// Where the first files are dropped.
+FocusScope {
+    id: zone
+
+    required property bool isTargeted
+    signal browse()
+
+    scale: isTargeted ? 1.01 : 1.0
+    Behavior on scale { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radiusMd
+        color: zone.isTargeted ? Theme.faded(Theme.accent, 0.04) : Theme.faded(Theme.surface, 0.5)
+    }
+    Shape {
+        id: border
+        anchors.fill: parent
+        layer.enabled: true
+        layer.samples: 4
+        readonly property real lineWidth: zone.isTargeted ? 1.5 : 1
+        readonly property real edge: lineWidth / 2
+        readonly property real corner: Theme.radiusMd - edge
+        ShapePath {
+            fillColor: "transparent"
+            strokeColor: zone.isTargeted ? Theme.accent : Theme.faded(Theme.border, 0.3)
+            strokeWidth: border.lineWidth
+            strokeStyle: ShapePath.DashLine
+            dashPattern: [8 / border.lineWidth, 4 / border.lineWidth]
+            capStyle: ShapePath.FlatCap
+            startX: border.edge + border.corner
+            startY: border.edge
+            PathLine { x: border.width - border.edge - border.corner; y: border.edge }
+            PathArc {
+                x: border.width - border.edge; y: border.edge + border.corner
+                radiusX: border.corner; radiusY: border.corner
+            }
+            PathLine { x: border.width - border.edge; y: border.height - border.edge - border.corner }
+            PathArc {
+                x: border.width - border.edge - border.corner; y: border.height - border.edge
+                radiusX: border.corner; radiusY: border.corner
+            }
+            PathLine { x: border.edge + border.corner; y: border.height - border.edge }
+            PathArc {
+                x: border.edge; y: border.height - border.edge - border.corner
+                radiusX: border.corner; radiusY: border.corner
+            }
+            PathLine { x: border.edge; y: border.edge + border.corner }
+            PathArc {
+                x: border.edge + border.corner; y: border.edge
+                radiusX: border.corner; radiusY: border.corner
+            }
+        }
+    }
+    Column {
+        anchors.centerIn: parent
+        Symbol {
+            anchors.horizontalCenter: parent.horizontalCenter
+            name: "arrow.down.doc"
+            size: 32
+            color: zone.isTargeted ? Theme.accent : Theme.faded(Theme.textMuted, 0.4)
+        }
+        Item { width: 1; height: Theme.spacing20 }
+        Label {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "Drop your raw earth here"
+            font: Theme.textFont(14, Font.Medium)
+            color: zone.isTargeted ? Theme.accent : Theme.foreground
+        }
+        Item { width: 1; height: Theme.spacing6 }
+        Label {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "WAV, MP3, AIFF, FLAC, MOV, MP4, MXF"
+            font: Theme.textFont(11)
+            color: Theme.faded(Theme.textMuted, 0.5)
+        }
+        Item { width: 1; height: Theme.spacing20 }
+        TintButton {
+            objectName: "browseButton"
+            anchors.horizontalCenter: parent.horizontalCenter
+            focus: true
+            leftPadding: Theme.spacing20
+            rightPadding: Theme.spacing20
+            textSize: 13
+            text: "Browse…"
+            onClicked: zone.browse()
+        }
+    }
+}

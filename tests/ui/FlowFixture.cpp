@@ -1,0 +1,114 @@
+#include "ui/FlowFixture.h"
+
+#include "resolve/Scripts.h"
+
+#include <QCoreApplication>
+#include <QCoroSignal>
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <algorithm>
+
+namespace zuvo::tests {
+
+QCoro::Task<ProcessOutcome> ChosenTools::run(ProcessRequest request) {
+    requests.push_back(request);
+    const auto rule = std::find_if(m_answers.rbegin(), m_answers.rend(),
+                                   [&request](const auto& answer) { return answer.first(request); });
+    if (rule != m_answers.rend()) {
+        auto outcome = rule->second;
+        co_return outcome;
+    }
+    if (m_held && m_held(request))
+        co_await qCoro(this, &ChosenTools::released);
+    co_return co_await m_real->run(std::move(request));
+}
+
+void ChosenTools::release() {
+    m_held = {};
+    Q_EMIT released();
+}
+
+void ChosenTools::answer(Matcher matches, ProcessOutcome outcome) {
+    m_answers.emplace_back(std::move(matches), std::move(outcome));
+}
+
+ChosenTools::Matcher probing(std::string pathEnd) {
+    return [pathEnd = std::move(pathEnd)](const ProcessRequest& request) {
+        return request.program.ends_with("ffprobe") && !request.arguments.empty() &&
+               request.arguments.back().ends_with(pathEnd);
+    };
+}
+
+FlowFixture::FlowFixture() : tools(std::make_shared<ChosenTools>(world.platform.processes)) {
+    world.platform.processes = tools;
+    world.givenSignedInBefore();
+}
+
+void FlowFixture::launch() {
+    world.launch();
+    driver = std::make_unique<WindowDriver>(&world.content());
+    ASSERT_TRUE(waitUntil([this] { return world.content().isSignedIn(); }));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("filesTab")));
+}
+
+void FlowFixture::givenResolve(const std::string& project, const std::string& timelines) {
+    const auto lib = world.platform.environment.resolveScriptLib;
+    const auto runs = [](std::string script) {
+        return [script = std::move(script)](const ProcessRequest& request) {
+            return request.arguments.size() == 2 && request.arguments.back() == script;
+        };
+    };
+    tools->answer(runs(projectNameScript(lib)), {true, {}, true, project + "\n", {}});
+    tools->answer(runs(timelineNamesScript(lib)), {true, {}, true, timelines, {}});
+}
+
+QUrl FlowFixture::givenFile(const std::string& name) {
+    return QUrl::fromLocalFile(QString::fromStdString(world.disk().write("footage/" + name, "no media")));
+}
+
+QUrl FlowFixture::sample(int number) {
+    return QUrl::fromLocalFile(standin::StandIn::defaultSampleFolder() +
+                               QStringLiteral("/harbour_interview_0%1.m4a").arg(number));
+}
+
+void FlowFixture::dragOver(const QList<QUrl>& urls) {
+    const auto* zone = driver->find(QStringLiteral("dropZone"));
+    ASSERT_NE(zone, nullptr);
+    const auto place = zone->mapToScene(QPointF(zone->width() / 2, zone->height() / 2));
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&driver->window(), &enter);
+    QDragMoveEvent move(place.toPoint() + QPoint(2, 2), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&driver->window(), &move);
+}
+
+void FlowFixture::drop(const QList<QUrl>& urls) {
+    dragOver(urls);
+    const auto* zone = driver->find(QStringLiteral("dropZone"));
+    ASSERT_NE(zone, nullptr);
+    QMimeData data;
+    data.setUrls(urls);
+    QDropEvent event(zone->mapToScene(QPointF(zone->width() / 2, zone->height() / 2)), Qt::CopyAction, &data,
+                     Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&driver->window(), &event);
+    EXPECT_TRUE(event.isAccepted());
+}
+
+void FlowFixture::thenStepIs(MineStep step) {
+    EXPECT_TRUE(waitUntil([this, step] { return flow().currentStep() == step; }))
+        << "The flow stands at step " << flow().currentStepNumber();
+    constexpr std::chrono::milliseconds pageChange{450};
+    runEventLoop(pageChange);
+}
+
+std::vector<std::string> FlowFixture::fileNames() {
+    std::vector<std::string> names;
+    for (const auto& file : flow().droppedFiles())
+        names.push_back(file.filename().toStdString());
+    return names;
+}
+
+} // namespace zuvo::tests

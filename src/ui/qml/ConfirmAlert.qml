@@ -32,7 +32,8 @@ Controls.Popup {
     onAboutToShow: {
         hasProceeded = false;
         asker = parent.Window.activeFocusItem;
-        askerReason = asker && asker.visualFocus === true ? Qt.TabFocusReason : Qt.OtherFocusReason;
+        const control = asker as T.Control;
+        askerReason = control && control.visualFocus ? Qt.TabFocusReason : Qt.OtherFocusReason;
     }
     onOpened: keepButton.forceActiveFocus(Qt.TabFocusReason)
     onClosed: {

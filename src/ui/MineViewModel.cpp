@@ -303,7 +303,9 @@ QCoro::Task<> MineViewModel::mineAndGoOn() {
         if (!flow.isNull() && flow->m_cancelCount == cancelCount)
             flow->advanceTo(MineStep::review);
     };
-    return followRun(m_tools.pipeline, chosenRun(), std::move(goOn));
+    auto pipeline = m_tools.pipeline;
+    auto run = chosenRun(); // what it tells while it begins may end this flow
+    return followRun(std::move(pipeline), std::move(run), std::move(goOn));
 }
 
 void MineViewModel::startMining() {

@@ -85,9 +85,10 @@ QStringList symbolNames() {
 }
 
 QImage symbolImage(const QString& name, const QColor& color, const QSize& size) {
-    QSvgRenderer drawing(symbolFile(name));
-    if (!drawing.isValid() || !color.isValid() || size.isEmpty())
+    const auto file = symbolFile(name);
+    if (file.isEmpty() || !color.isValid() || size.isEmpty())
         return {};
+    QSvgRenderer drawing(file);
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) // there is not that much memory
         return {};

@@ -29,6 +29,7 @@ protected:
         platform = Platform::ofThisMachine();
         platform.environment.home = disk.makeFolder("home");
         platform.environment.realHomeDir = platform.environment.home;
+        platform.environment.systemTemporaryFolder = disk.makeFolder("tmp");
         platform.environment.variable = [](const std::string&) -> std::optional<std::string> { return std::nullopt; };
         platform.processes = processes;
         platform.http = services;
@@ -251,6 +252,33 @@ TEST_F(Content, pagesThatWaitForTheServiceMayBeLeft) {
     page<DashboardViewModel>()->refresh();
     EXPECT_TRUE(waitUntil([this] { return manager->userName() == "Bob"; }));
     EXPECT_EQ(content->pageName(), QStringLiteral("MineView"));
+}
+
+TEST_F(Content, aMineUnderWayIsNotShownAgainButGoesOnToItsEnd) {
+    signIn();
+    DroppedFile file;
+    file.url = QUrl::fromLocalFile(QString::fromStdString(disk.write("a.wav", "sound")));
+    page<MineViewModel>()->setDroppedFiles({file});
+    const QPointer<LocalPipeline> pipeline = page<MineViewModel>()->pipeline().get();
+    const QPointer<QObject> left = content->page();
+    calls->inside = [this, &left](std::size_t) {
+        content->setSelectedTab(0);
+        content->setSelectedTab(1);
+        EXPECT_NE(content->page(), left.data());
+        calls->inside = nullptr;
+    };
+    PipelineStep lastStep = PipelineStep::idle;
+    QObject::connect(pipeline.data(), &LocalPipeline::stepChanged, pipeline.data(),
+                     [&] { lastStep = pipeline->step(); });
+    services->thenFails("nobody there");
+    page<MineViewModel>()->styleNext();
+    ASSERT_TRUE(waitUntil([&] { return pipeline.isNull(); }));
+    EXPECT_TRUE(left.isNull());
+    EXPECT_GT(calls->count(), 2U);
+    EXPECT_EQ(lastStep, PipelineStep::error); // its end: nobody transcribes
+    EXPECT_EQ(services->plannedCount(), 0U);
+    EXPECT_EQ(page<MineViewModel>()->currentStep(), MineStep::setup);
+    EXPECT_EQ(page<MineViewModel>()->pipeline()->step(), PipelineStep::idle);
 }
 
 TEST_F(Content, thePageGoesWithTheContent) {

@@ -64,7 +64,6 @@ protected:
         flow->setSelectedTimeline(name);
     }
 
-    /// A flow on that page, by the way of the user's own clicks where there is one without a run.
     void givenStep(MineStep step) { flow->advanceTo(step); }
 
     static SavedProject projectCalled(const std::string& name) {

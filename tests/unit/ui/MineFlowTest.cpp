@@ -169,7 +169,6 @@ TEST_F(MineFlow, aReportThatComesWhileItsPageStandsIsShownAtOnce) {
     const std::string clips = R"(SUCCESS:[{"sourceFile": ")" + footage.at(0) +
                               R"(", "startFrame": 0, "endFrame": 264, "duration": 11.0}])" + "\n";
     tools->when(running(timelineClipsScript("/resolve/Modules", "Cut")), printed(clips));
-    tools->when(running(timelineMediaScript("/resolve/Modules", "Cut")), printed(footage.at(0) + "\n"));
     tools->when(running(timelineMediaScript("/resolve/Modules", "Cut")),
                 printed(footage.at(0) + "\n" + footage.at(1) + "\n"));
     services->then(200, messagesAnswer(R"({"coveragePercent": 1, "usedSegments": [], "buriedGold": [],
@@ -399,9 +398,13 @@ TEST_F(MineFlow, aBuildLeavesTheStepAndTellsItsOutcomeByThePipelineAlone) {
     }
 }
 
-TEST_F(MineFlow, theFirstStepsLabelsAreThoseOfTheAuditToo) {
-    flow->setSelectedMode(MiningMode::audit);
-    EXPECT_EQ(flow->steps().at(3).toMap().value(QStringLiteral("label")), QStringLiteral("The Discovery"));
+TEST_F(MineFlow, aDroppedFileIsFoundAgainByAnIdOfItsOwnAndAwaitsItsProbe) {
+    const auto first = dropped("/footage/50% #1.mov");
+    const auto second = dropped("/footage/50% #1.mov");
+    EXPECT_NE(first.id, second.id);
+    EXPECT_EQ(first.filename(), QStringLiteral("50% #1.mov"));
+    EXPECT_TRUE(first.isProbing);
+    EXPECT_FALSE(first.probeResult);
 }
 
 // Coming on screen.

@@ -18,6 +18,9 @@ namespace {
 /// Of a mine of the fixture's footage; `theRunHasAsManyCallsAsAreTriedHere` holds it to that.
 constexpr std::size_t callsOfAMine = 18;
 
+/// One more asks Resolve for the media, and one builds the timeline.
+constexpr std::size_t callsOfATimelinesMine = callsOfAMine + 2;
+
 class MineRuns : public MineTest {
 protected:
     /// What the model was asked, as the services got it.
@@ -77,6 +80,7 @@ protected:
 };
 
 class MineAtEveryCall : public MineRuns, public testing::WithParamInterface<std::size_t> {};
+class TimelineMineAtEveryCall : public MineRuns, public testing::WithParamInterface<std::size_t> {};
 
 } // namespace
 
@@ -337,6 +341,83 @@ TEST_P(MineAtEveryCall, aSecondStartWhileOneRunsCrashesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryCall, MineAtEveryCall, testing::Range(std::size_t{1}, callsOfAMine + 1));
+
+TEST_P(TimelineMineAtEveryCall, aMineGoesOnSafelyToItsBuildWhenTheFlowIsGone) {
+    givenTimeline("Cut");
+    givenServicesAnswer();
+    const QPointer<LocalPipeline> watched = pipeline.get();
+    std::string buildResult;
+    QObject::connect(pipeline.get(), &LocalPipeline::buildResultChanged, pipeline.get(),
+                     [watched, &buildResult] { buildResult = watched->buildResult().value_or(""); });
+    calls->inside = [this](std::size_t call) {
+        if (call == GetParam()) {
+            flow.reset();
+            pipeline.reset();
+        }
+    };
+    flow->styleNext();
+    EXPECT_TRUE(waitUntil([&watched] { return watched.isNull(); }));
+    EXPECT_EQ(takeChanges().back(), "step Complete");
+    EXPECT_EQ(buildResult, "✗ Python returned no output — check Resolve connection");
+    EXPECT_EQ(calls->count(), callsOfATimelinesMine);
+}
+
+TEST_P(TimelineMineAtEveryCall, aCancelledMineMovesTheFlowNoMore) {
+    givenTimeline("Cut");
+    givenServicesAnswer();
+    std::vector<int> steps;
+    QObject::connect(flow.get(), &MineViewModel::currentStepChanged,
+                     [this, &steps] { steps.push_back(flow->currentStepNumber()); });
+    calls->inside = [this](std::size_t call) {
+        if (call == GetParam())
+            flow->cancelMining();
+    };
+    flow->styleNext();
+    ASSERT_TRUE(waitUntil([this] { return calls->count() == callsOfATimelinesMine; }));
+    ASSERT_TRUE(runEnds());
+    turn();
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    EXPECT_THAT(steps, ElementsAre(2, 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, TimelineMineAtEveryCall, testing::Range(std::size_t{1}, callsOfATimelinesMine + 1));
+
+TEST_F(MineRuns, anAuditThatIsCancelledOrLeftBehindMovesNoFlow) {
+    constexpr std::size_t callsOfAnAudit = 3; // its clips, its media, the model
+    const auto footage = givenAFinishedMine();
+    const std::string clips = R"(SUCCESS:[{"sourceFile": ")" + footage.at(0) +
+                              R"(", "startFrame": 0, "endFrame": 264, "duration": 11.0}])" + "\n";
+    tools->when(running(timelineClipsScript("/resolve/Modules", "Cut")), printed(clips));
+    tools->when(running(timelineMediaScript("/resolve/Modules", "Cut")),
+                printed(footage.at(0) + "\n" + footage.at(1) + "\n"));
+    for (const bool isGone : {false, true}) {
+        for (std::size_t call = 1; call <= callsOfAnAudit; ++call) {
+            newFlow();
+            flow->setSourceMode(SourceMode::resolve);
+            flow->setSelectedTimeline("Cut");
+            flow->setSelectedMode(MiningMode::audit);
+            services->then(200, messagesAnswer(R"({"coveragePercent": 1, "usedSegments": [], "buriedGold": [],
+                "redundancies": [], "alternates": [], "themeGaps": [], "confidenceScore": 1, "summary": "s"})"));
+            const auto before = calls->count();
+            calls->inside = [this, isGone, before, call](std::size_t number) {
+                if (number != before + call)
+                    return;
+                if (isGone)
+                    flow.reset();
+                else
+                    flow->cancelMining();
+            };
+            flow->startAudit();
+            ASSERT_TRUE(waitUntil([&] { return calls->count() == before + callsOfAnAudit; })) << call;
+            turn();
+            EXPECT_EQ(pipeline->step(), PipelineStep::complete) << call;
+            EXPECT_TRUE(pipeline->auditReport());
+            if (!isGone) {
+                EXPECT_EQ(flow->currentStep(), MineStep::style) << call;
+            }
+        }
+    }
+}
 
 TEST_F(MineRuns, aRunThatIsCancelledBeforeItBeginsDoesNotBegin) {
     givenDroppedFootage();

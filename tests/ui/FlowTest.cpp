@@ -43,6 +43,9 @@ protected:
     /// Goes to that step and watches until one page stands.
     std::vector<Sample> watch(MineStep to) {
         std::vector<Sample> samples;
+        EXPECT_EQ(stack->property("duration").toInt(), 350);
+        // Slow enough to be seen on a machine that has much else to do.
+        stack->setProperty("duration", 1500);
         world.page<MineViewModel>()->advanceTo(to);
         const bool hasEnded = waitUntil([this, &samples] {
             const auto now = pages();
@@ -54,6 +57,7 @@ protected:
         });
         EXPECT_TRUE(hasEnded);
         EXPECT_TRUE(waitForOnePage());
+        stack->setProperty("duration", 350);
         EXPECT_GE(samples.size(), 4U) << "the change was not seen";
         return samples;
     }

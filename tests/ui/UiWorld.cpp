@@ -18,9 +18,9 @@ UiWorld::UiWorld() : platform(Platform::ofThisMachine()) {
     environment.home = home();
     environment.realHomeDir = home();
     environment.systemTemporaryFolder = m_disk.makeFolder("tmp");
-    environment.variable = [this](const std::string& name) -> std::optional<std::string> {
-        const auto found = variables.find(name);
-        return found == variables.end() ? std::nullopt : std::optional(found->second);
+    environment.variable = [kept = keptVariables](const std::string& name) -> std::optional<std::string> {
+        const auto found = kept->find(name);
+        return found == kept->end() ? std::nullopt : std::optional(found->second);
     };
 }
 

@@ -63,7 +63,10 @@ public:
     standin::StandIn services;
     std::shared_ptr<KeptDesktop> desktop = std::make_shared<KeptDesktop>();
     std::shared_ptr<RecordingAdministratorShell> administrator = std::make_shared<RecordingAdministratorShell>();
-    std::map<std::string, std::string> variables;
+    /// The environment's variables. A mine that a test leaves behind still asks for them.
+    std::shared_ptr<std::map<std::string, std::string>> keptVariables =
+        std::make_shared<std::map<std::string, std::string>>();
+    std::map<std::string, std::string>& variables = *keptVariables;
     Platform platform; ///< may be changed before `launch`
 
     static constexpr const char* token = "zuvo_made-up-token";

@@ -111,6 +111,8 @@ void WindowDriver::hover(const QString& name) {
         ADD_FAILURE() << "There is no " << name.toStdString() << " to point at";
         return;
     }
+    // The pointer may stand there from an earlier window: it would not have moved.
+    QTest::mouseMove(&window(), middleOf(*item) + QPoint(2, 2));
     QTest::mouseMove(&window(), middleOf(*item));
     runEventLoop(animationsEnd);
 }

@@ -7,7 +7,7 @@ FocusScope {
     id: stack
 
     required property MineViewModel flow
-    readonly property int duration: 350
+    property int duration: 350 ///< of a change of page, in ms
     /// The page that stands, or is coming in.
     property Item current: null
     property string currentName: ""

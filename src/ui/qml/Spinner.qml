@@ -23,7 +23,8 @@ Item {
     }
     Shape {
         anchors.fill: parent
-        layer.enabled: true
+        // Smooth with a graphics card; without one the layer would stay empty, and the edge is smooth by itself.
+        layer.enabled: GraphicsInfo.api !== GraphicsInfo.Software
         layer.samples: 4
         ShapePath {
             strokeColor: spinner.color

@@ -79,9 +79,10 @@ FocusScope {
 
         Item {
             width: parent.width
-            height: 50
+            height: 52
             Label {
                 anchors.verticalCenter: parent.verticalCenter
+                anchors.verticalCenterOffset: -4
                 text: "Updates"
                 font: Theme.largeTitle()
                 color: Theme.foreground
@@ -90,6 +91,7 @@ FocusScope {
                 objectName: "checkButton"
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
+                anchors.verticalCenterOffset: -4
                 implicitHeight: 40
                 leftPadding: 20
                 rightPadding: 20

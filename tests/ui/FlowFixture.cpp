@@ -21,13 +21,14 @@ QCoro::Task<ProcessOutcome> ChosenTools::run(ProcessRequest request) {
         co_return outcome;
     }
     if (m_held && m_held(request))
-        co_await qCoro(this, &ChosenTools::released);
+        co_await qCoro(&m_gate, &QTimer::timeout);
     co_return co_await m_real->run(std::move(request));
 }
 
 void ChosenTools::release() {
     m_held = {};
-    Q_EMIT released();
+    m_gate.setSingleShot(true);
+    m_gate.start(0);
 }
 
 void ChosenTools::answer(Matcher matches, ProcessOutcome outcome) {

@@ -5,6 +5,7 @@
 #include "ui/WindowDriver.h"
 
 #include <QList>
+#include <QTimer>
 #include <QUrl>
 #include <functional>
 #include <gmock/gmock.h>
@@ -17,7 +18,6 @@ namespace zuvo::tests {
 
 /// The machine's own tools, of which a test may hold some back or answer for some.
 class ChosenTools final : public ProcessRunner {
-    Q_OBJECT
 public:
     using Matcher = std::function<bool(const ProcessRequest&)>;
 
@@ -34,12 +34,10 @@ public:
 
     std::vector<ProcessRequest> requests;
 
-Q_SIGNALS:
-    void released();
-
 private:
     std::shared_ptr<ProcessRunner> m_real;
     Matcher m_held;
+    QTimer m_gate; ///< fires when what is held may go on
     std::vector<std::pair<Matcher, ProcessOutcome>> m_answers;
 };
 

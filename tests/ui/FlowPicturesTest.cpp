@@ -117,9 +117,9 @@ TEST_F(FlowPictures, style) {
     takeInEverySize(QStringLiteral("03-lantern-c-closed"));
     flow().setDirectorNotes("The grandfather and the light. Keep the storm in the middle, end on why he still climbs the "
                             "stairs. Skip the part about the pension office.");
+    driver->resize(1100, 1248);
     driver->click(QStringLiteral("preset3"));
     driver->click(QStringLiteral("fineTuneToggle"));
-    driver->resize(1100, 1248);
     driver->hover(QStringLiteral("preset7"));
     take(QStringLiteral("03-lantern-a-fine-tune-full-scroll"));
     takeInEverySize(QStringLiteral("03-lantern-a-fine-tune"));

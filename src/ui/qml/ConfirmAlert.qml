@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic as Controls
+import QtQuick.Templates as T
 import QtQuick.Window
 import Zuvo
 
@@ -16,7 +17,7 @@ Controls.Popup {
     signal kept()
     signal proceeded()
 
-    parent: Controls.Overlay.overlay
+    parent: T.Overlay.overlay
     anchors.centerIn: parent
     width: 300
     modal: true
@@ -25,11 +26,26 @@ Controls.Popup {
     closePolicy: Controls.Popup.CloseOnEscape
 
     property bool hasProceeded: false
-    onAboutToShow: hasProceeded = false
+    /// What has the keyboard when the question is asked, and has it again afterwards.
+    property Item asker: null
+    property int askerReason: Qt.OtherFocusReason
+    onAboutToShow: {
+        hasProceeded = false;
+        asker = parent.Window.activeFocusItem;
+        askerReason = asker && asker.visualFocus === true ? Qt.TabFocusReason : Qt.OtherFocusReason;
+    }
     onOpened: keepButton.forceActiveFocus(Qt.TabFocusReason)
-    onClosed: hasProceeded ? alert.proceeded() : alert.kept()
+    onClosed: {
+        if (asker)
+            asker.forceActiveFocus(askerReason);
+        asker = null;
+        if (hasProceeded)
+            alert.proceeded();
+        else
+            alert.kept();
+    }
 
-    Controls.Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.5) }
+    T.Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.5) }
 
     enter: Transition {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 120 }

@@ -13,7 +13,7 @@ Column {
     Row {
         id: row
         width: parent.width
-        spacing: Theme.spacing8
+        spacing: width >= 360 ? Theme.spacing8 : Theme.spacing6
         Accessible.role: Accessible.Grouping
         Accessible.name: "Mode"
         readonly property real highest: {

@@ -8,6 +8,10 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QStringList>
+#include <QWheelEvent>
 #include <algorithm>
 
 namespace zuvo::tests {
@@ -96,6 +100,57 @@ void FlowFixture::drop(const QList<QUrl>& urls) {
                      Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&driver->window(), &event);
     EXPECT_TRUE(event.isAccepted());
+}
+
+void FlowFixture::givenDialog(const QString& whatOpenDoes, const QList<QUrl>& urls) {
+    auto* picker = driver->window().findChild<QObject*>(QStringLiteral("filePicker"));
+    ASSERT_NE(picker, nullptr);
+    auto* component = new QQmlComponent(qmlEngine(picker), picker);
+    QStringList list;
+    for (const auto& url : urls)
+        list.append(QLatin1Char('"') + url.toString() + QLatin1Char('"'));
+    component->setData(QStringLiteral("import QtQml\nQtObject { property list<url> selectedFiles: [%1]\n"
+                                      "signal accepted()\nsignal rejected()\nfunction open() { %2(); } }")
+                           .arg(list.join(QLatin1Char(',')), whatOpenDoes)
+                           .toUtf8(),
+                       QUrl());
+    ASSERT_TRUE(component->isReady()) << component->errorString().toStdString();
+    picker->setProperty("dialog", QVariant::fromValue(component));
+}
+
+void FlowFixture::givenDialogGives(const QList<QUrl>& urls) {
+    givenDialog(QStringLiteral("accepted"), urls);
+}
+
+void FlowFixture::givenDialogIsDismissed() {
+    givenDialog(QStringLiteral("rejected"), {});
+}
+
+void FlowFixture::scrollTo(const QString& name) {
+    auto& window = driver->window();
+    const QPointF middle(window.width() * 0.6, window.height() * 0.6);
+    constexpr int mostTurns = 60;
+    for (int turn = 0; turn < mostTurns; ++turn) {
+        const auto* item = driver->find(name);
+        ASSERT_NE(item, nullptr) << name.toStdString();
+        if (item->mapToScene(QPointF(0, item->height())).y() < window.height())
+            return;
+        QWheelEvent wheel(middle, window.mapToGlobal(middle), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&window, &wheel);
+        runEventLoop(std::chrono::milliseconds(30));
+    }
+    FAIL() << name.toStdString() << " does not come into view";
+}
+
+void FlowFixture::tabTo(const QString& name) {
+    constexpr int mostStops = 80;
+    for (int stop = 0; stop < mostStops; ++stop) {
+        if (driver->focusedName() == name)
+            return;
+        driver->press(Qt::Key_Tab);
+    }
+    FAIL() << "The keyboard does not reach " << name.toStdString();
 }
 
 void FlowFixture::thenStepIs(MineStep step) {

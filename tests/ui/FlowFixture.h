@@ -63,6 +63,14 @@ protected:
     void drop(const QList<QUrl>& urls);
     void dragOver(const QList<QUrl>& urls);
 
+    /// The file dialog gives these at once, whenever it is asked for.
+    void givenDialogGives(const QList<QUrl>& urls);
+    void givenDialogIsDismissed();
+    /// Turns the wheel over the page until that control can be clicked.
+    void scrollTo(const QString& name);
+    /// Presses Tab until that control has the keyboard.
+    void tabTo(const QString& name);
+
     /// Waits until the page of that step has come in.
     void thenStepIs(MineStep step);
     [[nodiscard]] std::vector<std::string> fileNames();
@@ -70,6 +78,9 @@ protected:
     UiWorld world;
     std::shared_ptr<ChosenTools> tools;
     std::unique_ptr<WindowDriver> driver;
+
+private:
+    void givenDialog(const QString& whatOpenDoes, const QList<QUrl>& urls);
 };
 
 } // namespace zuvo::tests

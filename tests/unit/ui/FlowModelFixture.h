@@ -37,9 +37,7 @@ protected:
             printed(timelines));
     }
 
-    [[nodiscard]] static QUrl url(const std::string& path) {
-        return QUrl::fromLocalFile(QString::fromStdString(path));
-    }
+    [[nodiscard]] static QUrl url(const std::string& path) { return QUrl::fromLocalFile(QString::fromStdString(path)); }
 
     std::unique_ptr<MineViewModel> flow;
 };

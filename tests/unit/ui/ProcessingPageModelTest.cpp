@@ -109,15 +109,16 @@ TEST_F(ProcessingPage, theDotsGoFromNoneToThreeAndBegin) {
         headings.push_back(page.heading().toStdString());
         timers.tick(dotInterval);
     }
-    EXPECT_THAT(headings, ElementsAre("Descending into the mine", "Descending into the mine.",
-                                      "Descending into the mine..", "Descending into the mine...",
-                                      "Descending into the mine"));
+    EXPECT_THAT(headings,
+                ElementsAre("Descending into the mine", "Descending into the mine.", "Descending into the mine..",
+                            "Descending into the mine...", "Descending into the mine"));
 }
 
 TEST_F(ProcessingPage, theStageIsThePipelinesAndAFailureIsToldWithIt) {
     EXPECT_EQ(page.stage(), QStringLiteral("Idle"));
     EXPECT_FALSE(page.hasError());
-    mine({disk / "nothing.wav"});
+    services->then(401, "no such key");
+    mine({givenFile("A.wav", "20.0")});
     EXPECT_EQ(page.stage(), QStringLiteral("Error"));
     EXPECT_TRUE(page.hasError());
     EXPECT_EQ(page.errorMessage().toStdString(), *pipeline->errorMessage());

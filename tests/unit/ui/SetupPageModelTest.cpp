@@ -106,8 +106,8 @@ TEST(SetupPageFiles, picturesHaveTheFilmAndSoundTheWave) {
 }
 
 TEST(SetupPageFiles, durationsAreCutToWholeMinutesAndSeconds) {
-    const std::map<double, const char*> cases = {{0.0, "0:00"},     {0.99, "0:00"},    {9.0, "0:09"},
-                                                 {59.999, "0:59"},  {60.0, "1:00"},    {2538.4, "42:18"},
+    const std::map<double, const char*> cases = {{0.0, "0:00"},     {0.99, "0:00"},     {9.0, "0:09"},
+                                                 {59.999, "0:59"},  {60.0, "1:00"},     {2538.4, "42:18"},
                                                  {3600.0, "60:00"}, {36061.5, "601:01"}};
     for (const auto& [seconds, text] : cases)
         EXPECT_EQ(SetupPageModel::formatDuration(seconds), QLatin1String(text)) << seconds;

@@ -36,10 +36,10 @@ TEST_F(StylePage, aVeryShortTargetStillShowsOneSegment) {
 
 TEST(StylePageEstimate, segmentsAreWholeAndAtLeastOne) {
     const SegmentsCase cases[] = {
-        {5.0, 0.5, 8},   // 300 / 35 = 8.57
-        {5.0, 0.15, 5},  // 300 / 52.5 = 5.7
+        {5.0, 0.5, 8},    // 300 / 35 = 8.57
+        {5.0, 0.15, 5},   // 300 / 52.5 = 5.7
         {30.0, 1.0, 180}, // 1800 / 10
-        {0.0, 0.5, 1},   {-3.0, 0.5, 1},
+        {0.0, 0.5, 1},    {-3.0, 0.5, 1},
     };
     for (const auto& one : cases)
         EXPECT_EQ(StylePageModel::estimatedSegments(one.minutes, one.pace), one.segments)

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QCoroSignal>
+#include <QDateTime>
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
@@ -22,6 +23,10 @@ QCoro::Task<ProcessOutcome> ChosenTools::run(ProcessRequest request) {
                                    [&request](const auto& answer) { return answer.first(request); });
     if (rule != m_answers.rend()) {
         auto outcome = rule->second;
+        QTimer turn; // nothing is answered before the event loop has turned once, as in life
+        turn.setSingleShot(true);
+        turn.start(0);
+        co_await qCoro(&turn, &QTimer::timeout);
         co_return outcome;
     }
     if (m_held && m_held(request))
@@ -137,6 +142,8 @@ void FlowFixture::scrollTo(const QString& name) {
             return;
         QWheelEvent wheel(middle, window.mapToGlobal(middle), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
+        // A list takes its speed from the time between two turns.
+        wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
         QCoreApplication::sendEvent(&window, &wheel);
         runEventLoop(std::chrono::milliseconds(30));
     }

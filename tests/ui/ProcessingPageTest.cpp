@@ -51,12 +51,13 @@ TEST_F(ProcessingPageInWindow, withAnEmptyLogTheConsoleHoldsOnlyTheCursor) {
 TEST_F(ProcessingPageInWindow, tenThousandLinesStayCheapAndTheCursorInSight) {
     launchOnDig();
     QSet<const QQuickItem*> made;
-    const auto look = [this, &made] {
-        const auto children = listContent().childItems();
+    const QObject untilTheEnd;
+    const auto look = [&made, &content = listContent()] {
+        const auto children = content.childItems();
         for (const auto* child : children)
             made.insert(child);
     };
-    QObject::connect(&listContent(), &QQuickItem::childrenChanged, &list(), look);
+    QObject::connect(&listContent(), &QQuickItem::childrenChanged, &untilTheEnd, look);
     givenLines(9999);
     EXPECT_EQ(pipeline().logs().size(), 10000U);
     EXPECT_TRUE(waitUntil([this] { return isAtCursor(); }));

@@ -47,7 +47,8 @@ Column {
 
     function walk(place) {
         const next = (place + cards.count) % cards.count;
-        model.chooseMode(next);
+        // The keyboard first: the card that it leaves drops out of the tab order.
         cards.itemAt(next).forceActiveFocus(Qt.TabFocusReason);
+        model.chooseMode(next);
     }
 }

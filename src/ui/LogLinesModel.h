@@ -12,7 +12,7 @@ namespace zuvo {
 
 /// The log of a run, a row for each line. A new line is told as one new row, however long the log is.
 /// Roles: timestamp, line (plain text), colorName (see `logColor`).
-class LogLinesModel final : public QAbstractListModel {
+class LogLinesModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("A page's model holds it")

@@ -21,7 +21,7 @@ using StartTimer = std::function<std::unique_ptr<QObject>(std::chrono::milliseco
 extern const std::array<std::string_view, 10> FUN_FACTS;
 
 /// The page "The Dig": where the run stands. It reads the pipeline; its one action is to cancel.
-class ProcessingPageModel final : public QObject {
+class ProcessingPageModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(zuvo::MineViewModel* flow READ flow WRITE setFlow NOTIFY flowChanged)

@@ -192,9 +192,9 @@ void SetupPageModel::addFile(const QUrl& url) {
     const auto path = file.url.toLocalFile().toStdString();
     files.push_back(std::move(file));
     m_flow->setDroppedFiles(std::move(files));
-    startTopLevelTask(
-        m_flow, "that probes a file",
-        [pipeline = m_flow->pipeline(), flow = m_flow, id, path] { return probe(pipeline, flow, id, path); });
+    startTopLevelTask(m_flow, "that probes a file", [pipeline = m_flow->pipeline(), flow = m_flow, id, path] {
+        return probe(pipeline, flow, id, path);
+    });
 }
 
 void SetupPageModel::removeFile(const QString& fileId) {
@@ -231,9 +231,7 @@ QString SetupPageModel::symbolFor(const QUrl& url) {
 QString SetupPageModel::formatDuration(double seconds) {
     constexpr std::int64_t secondsOfAMinute = 60;
     const auto whole = truncated(seconds);
-    return QStringLiteral("%1:%2")
-        .arg(whole / secondsOfAMinute)
-        .arg(whole % secondsOfAMinute, 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1:%2").arg(whole / secondsOfAMinute).arg(whole % secondsOfAMinute, 2, 10, QLatin1Char('0'));
 }
 
 // DaVinci Resolve.
@@ -334,9 +332,9 @@ QStringList SetupPageModel::languages() {
 int SetupPageModel::language() const {
     if (m_flow.isNull())
         return 0;
-    const auto* const found =
-        std::find_if(LANGUAGES.begin(), LANGUAGES.end(),
-                     [this](const Language& one) { return one.code == m_flow->selectedLanguage(); });
+    const auto* const found = std::find_if(LANGUAGES.begin(), LANGUAGES.end(), [this](const Language& one) {
+        return one.code == m_flow->selectedLanguage();
+    });
     return found == LANGUAGES.end() ? -1 : static_cast<int>(std::distance(LANGUAGES.begin(), found));
 }
 

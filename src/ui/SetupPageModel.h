@@ -18,7 +18,7 @@ namespace zuvo {
 ///
 /// The choices themselves are the flow's. A probe that the page has started goes on without it: its result is the
 /// flow's too.
-class SetupPageModel final : public QObject {
+class SetupPageModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(zuvo::MineViewModel* flow READ flow WRITE setFlow NOTIFY flowChanged)

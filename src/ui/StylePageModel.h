@@ -13,7 +13,7 @@
 namespace zuvo {
 
 /// The page "The Lantern": what the analysis is to look for. The choices are the flow's; nothing is refused.
-class StylePageModel final : public QObject {
+class StylePageModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(zuvo::MineViewModel* flow READ flow WRITE setFlow NOTIFY flowChanged)

@@ -4,10 +4,15 @@
 
 #include <QCoreApplication>
 #include <QCoroSignal>
+#include <QDateTime>
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QStringList>
+#include <QWheelEvent>
 #include <algorithm>
 
 namespace zuvo::tests {
@@ -18,16 +23,21 @@ QCoro::Task<ProcessOutcome> ChosenTools::run(ProcessRequest request) {
                                    [&request](const auto& answer) { return answer.first(request); });
     if (rule != m_answers.rend()) {
         auto outcome = rule->second;
+        QTimer turn; // nothing is answered before the event loop has turned once, as in life
+        turn.setSingleShot(true);
+        turn.start(0);
+        co_await qCoro(&turn, &QTimer::timeout);
         co_return outcome;
     }
     if (m_held && m_held(request))
-        co_await qCoro(this, &ChosenTools::released);
+        co_await qCoro(&m_gate, &QTimer::timeout);
     co_return co_await m_real->run(std::move(request));
 }
 
 void ChosenTools::release() {
     m_held = {};
-    Q_EMIT released();
+    m_gate.setSingleShot(true);
+    m_gate.start(0);
 }
 
 void ChosenTools::answer(Matcher matches, ProcessOutcome outcome) {
@@ -95,6 +105,59 @@ void FlowFixture::drop(const QList<QUrl>& urls) {
                      Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&driver->window(), &event);
     EXPECT_TRUE(event.isAccepted());
+}
+
+void FlowFixture::givenDialog(const QString& whatOpenDoes, const QList<QUrl>& urls) {
+    auto* picker = driver->window().findChild<QObject*>(QStringLiteral("filePicker"));
+    ASSERT_NE(picker, nullptr);
+    auto* component = new QQmlComponent(qmlEngine(picker), picker);
+    QStringList list;
+    for (const auto& url : urls)
+        list.append(QLatin1Char('"') + url.toString() + QLatin1Char('"'));
+    component->setData(QStringLiteral("import QtQml\nQtObject { property list<url> selectedFiles: [%1]\n"
+                                      "signal accepted()\nsignal rejected()\nfunction open() { %2(); } }")
+                           .arg(list.join(QLatin1Char(',')), whatOpenDoes)
+                           .toUtf8(),
+                       QUrl());
+    ASSERT_TRUE(component->isReady()) << component->errorString().toStdString();
+    picker->setProperty("dialog", QVariant::fromValue(component));
+}
+
+void FlowFixture::givenDialogGives(const QList<QUrl>& urls) {
+    givenDialog(QStringLiteral("accepted"), urls);
+}
+
+void FlowFixture::givenDialogIsDismissed() {
+    givenDialog(QStringLiteral("rejected"), {});
+}
+
+void FlowFixture::scrollTo(const QString& name) {
+    auto& window = driver->window();
+    const QPointF middle(window.width() * 0.6, window.height() * 0.6);
+    constexpr int mostTurns = 60;
+    for (int turn = 0; turn < mostTurns; ++turn) {
+        const auto* item = driver->find(name);
+        ASSERT_NE(item, nullptr) << name.toStdString();
+        if (item->mapToScene(QPointF(0, item->height())).y() < window.height())
+            return;
+        QWheelEvent wheel(middle, window.mapToGlobal(middle), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        // A list takes its speed from the time between two turns.
+        wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
+        QCoreApplication::sendEvent(&window, &wheel);
+        runEventLoop(std::chrono::milliseconds(30));
+    }
+    FAIL() << name.toStdString() << " does not come into view";
+}
+
+void FlowFixture::tabTo(const QString& name) {
+    constexpr int mostStops = 80;
+    for (int stop = 0; stop < mostStops; ++stop) {
+        if (driver->focusedName() == name)
+            return;
+        driver->press(Qt::Key_Tab);
+    }
+    FAIL() << "The keyboard does not reach " << name.toStdString();
 }
 
 void FlowFixture::thenStepIs(MineStep step) {

@@ -5,6 +5,7 @@
 #include "ui/WindowDriver.h"
 
 #include <QList>
+#include <QTimer>
 #include <QUrl>
 #include <functional>
 #include <gmock/gmock.h>
@@ -17,7 +18,6 @@ namespace zuvo::tests {
 
 /// The machine's own tools, of which a test may hold some back or answer for some.
 class ChosenTools final : public ProcessRunner {
-    Q_OBJECT
 public:
     using Matcher = std::function<bool(const ProcessRequest&)>;
 
@@ -34,12 +34,10 @@ public:
 
     std::vector<ProcessRequest> requests;
 
-Q_SIGNALS:
-    void released();
-
 private:
     std::shared_ptr<ProcessRunner> m_real;
     Matcher m_held;
+    QTimer m_gate; ///< fires when what is held may go on
     std::vector<std::pair<Matcher, ProcessOutcome>> m_answers;
 };
 
@@ -65,6 +63,14 @@ protected:
     void drop(const QList<QUrl>& urls);
     void dragOver(const QList<QUrl>& urls);
 
+    /// The file dialog gives these at once, whenever it is asked for.
+    void givenDialogGives(const QList<QUrl>& urls);
+    void givenDialogIsDismissed();
+    /// Turns the wheel over the page until that control can be clicked.
+    void scrollTo(const QString& name);
+    /// Presses Tab until that control has the keyboard.
+    void tabTo(const QString& name);
+
     /// Waits until the page of that step has come in.
     void thenStepIs(MineStep step);
     [[nodiscard]] std::vector<std::string> fileNames();
@@ -72,6 +78,9 @@ protected:
     UiWorld world;
     std::shared_ptr<ChosenTools> tools;
     std::unique_ptr<WindowDriver> driver;
+
+private:
+    void givenDialog(const QString& whatOpenDoes, const QList<QUrl>& urls);
 };
 
 } // namespace zuvo::tests

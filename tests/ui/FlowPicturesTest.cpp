@@ -115,11 +115,12 @@ TEST_F(FlowPictures, style) {
     flow().setupNext();
     thenStepIs(MineStep::style);
     takeInEverySize(QStringLiteral("03-lantern-c-closed"));
-    flow().setDirectorNotes("The grandfather and the light. Keep the storm in the middle, end on why he still climbs the "
-                            "stairs. Skip the part about the pension office.");
+    flow().setDirectorNotes(
+        "The grandfather and the light. Keep the storm in the middle, end on why he still climbs the "
+        "stairs. Skip the part about the pension office.");
+    driver->resize(1100, 1248);
     driver->click(QStringLiteral("preset3"));
     driver->click(QStringLiteral("fineTuneToggle"));
-    driver->resize(1100, 1248);
     driver->hover(QStringLiteral("preset7"));
     take(QStringLiteral("03-lantern-a-fine-tune-full-scroll"));
     takeInEverySize(QStringLiteral("03-lantern-a-fine-tune"));
@@ -149,8 +150,9 @@ TEST_F(FlowPictures, dig) {
 TEST_F(FlowPictures, digThatFailed) {
     launch();
     world.services.fail(standin::Service::transcription,
-                        standin::Failure::status(401, R"({"error": {"message": "Incorrect API key provided: made-up.",)"
-                                                      R"( "type": "invalid_request_error", "code": "invalid_api_key"}})"));
+                        standin::Failure::status(401,
+                                                 R"({"error": {"message": "Incorrect API key provided: made-up.",)"
+                                                 R"( "type": "invalid_request_error", "code": "invalid_api_key"}})"));
     drop({sample(1)});
     flow().setupNext();
     flow().styleNext();

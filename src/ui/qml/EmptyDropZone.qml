@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Shapes
 import Zuvo
 
 /// Where the first files are dropped.
@@ -18,43 +17,24 @@ FocusScope {
         radius: Theme.radiusMd
         color: zone.isTargeted ? Theme.faded(Theme.accent, 0.04) : Theme.faded(Theme.surface, 0.5)
     }
-    Shape {
+    // A Rectangle knows no dashes.
+    Canvas {
         id: border
         anchors.fill: parent
-        layer.enabled: true
-        layer.samples: 4
         readonly property real lineWidth: zone.isTargeted ? 1.5 : 1
-        readonly property real edge: lineWidth / 2
-        readonly property real corner: Theme.radiusMd - edge
-        ShapePath {
-            fillColor: "transparent"
-            strokeColor: zone.isTargeted ? Theme.accent : Theme.faded(Theme.border, 0.3)
-            strokeWidth: border.lineWidth
-            strokeStyle: ShapePath.DashLine
-            dashPattern: [8 / border.lineWidth, 4 / border.lineWidth]
-            capStyle: ShapePath.FlatCap
-            startX: border.edge + border.corner
-            startY: border.edge
-            PathLine { x: border.width - border.edge - border.corner; y: border.edge }
-            PathArc {
-                x: border.width - border.edge; y: border.edge + border.corner
-                radiusX: border.corner; radiusY: border.corner
-            }
-            PathLine { x: border.width - border.edge; y: border.height - border.edge - border.corner }
-            PathArc {
-                x: border.width - border.edge - border.corner; y: border.height - border.edge
-                radiusX: border.corner; radiusY: border.corner
-            }
-            PathLine { x: border.edge + border.corner; y: border.height - border.edge }
-            PathArc {
-                x: border.edge; y: border.height - border.edge - border.corner
-                radiusX: border.corner; radiusY: border.corner
-            }
-            PathLine { x: border.edge; y: border.edge + border.corner }
-            PathArc {
-                x: border.edge + border.corner; y: border.edge
-                radiusX: border.corner; radiusY: border.corner
-            }
+        readonly property color ink: zone.isTargeted ? Theme.accent : Theme.faded(Theme.border, 0.3)
+        onInkChanged: requestPaint()
+        onPaint: {
+            const context = getContext("2d");
+            context.reset();
+            context.strokeStyle = ink;
+            context.lineWidth = lineWidth;
+            context.setLineDash([8, 4]);
+            const edge = lineWidth / 2;
+            const corner = Theme.radiusMd - edge;
+            context.beginPath();
+            context.roundedRect(edge, edge, width - lineWidth, height - lineWidth, corner, corner);
+            context.stroke();
         }
     }
     Column {

@@ -33,7 +33,9 @@ Flickable {
     // A control that the keyboard reaches comes into view.
     readonly property Item focused: Window.activeFocusItem
     onFocusedChanged: {
-        if (focused === null || !holds(focused))
+        // A page that has just come begins at its top, wherever the keyboard stands.
+        if (focused === null || (focused.focusReason !== Qt.TabFocusReason && focused.focusReason !== Qt.BacktabFocusReason)
+                || !holds(focused))
             return;
         const top = focused.mapToItem(contentItem, 0, 0).y - Theme.spacing16;
         const bottom = top + focused.height + 2 * Theme.spacing16;

@@ -12,7 +12,7 @@ PlainButton {
     required property bool isChosen
 
     text: label
-    padding: width >= 84 ? 10 : 7
+    padding: width >= 84 ? 10 : 6
     topPadding: Theme.spacing12
     bottomPadding: Theme.spacing12
     ringRadius: Theme.radiusSm

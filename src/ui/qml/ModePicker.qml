@@ -13,7 +13,7 @@ Column {
     Row {
         id: row
         width: parent.width
-        spacing: Theme.spacing8
+        spacing: width >= 360 ? Theme.spacing8 : Theme.spacing6
         Accessible.role: Accessible.Grouping
         Accessible.name: "Mode"
         readonly property real highest: {
@@ -47,7 +47,8 @@ Column {
 
     function walk(place) {
         const next = (place + cards.count) % cards.count;
-        model.chooseMode(next);
+        // The keyboard first: the card that it leaves drops out of the tab order.
         cards.itemAt(next).forceActiveFocus(Qt.TabFocusReason);
+        model.chooseMode(next);
     }
 }

@@ -113,7 +113,6 @@ FocusScope {
         keepText: "Keep Mining"
         proceedText: "Cancel"
         onProceeded: dig.cancel()
-        onKept: cancelButton.forceActiveFocus(Qt.OtherFocusReason)
     }
     Connections {
         target: page.flow

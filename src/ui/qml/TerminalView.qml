@@ -111,7 +111,8 @@ FocusScope {
                 textFormat: Text.PlainText
                 lineHeightMode: Text.FixedHeight
                 lineHeight: 20
-                font: Theme.mono(12)
+                font.family: Fonts.mono
+                font.pixelSize: 12
                 color: Theme.faded(Theme.textMuted, 0.25)
             }
             Label {
@@ -123,7 +124,9 @@ FocusScope {
                 wrapMode: Text.Wrap
                 lineHeightMode: Text.FixedHeight
                 lineHeight: 20
-                font: Theme.mono(12)
+                font.family: Fonts.mono
+                font.pixelSize: 12
+                font.preferShaping: false // a "<-" of the log is no arrow
                 color: terminal.logColor(row.colorName)
                 Accessible.role: Accessible.ListItem
                 Accessible.name: row.timestamp + " " + row.line

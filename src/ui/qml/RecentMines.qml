@@ -41,7 +41,7 @@ Column {
                     width: parent.width - deleteButton.width - Theme.spacing4
                     height: parent.height
                     text: row.name
-                    Accessible.description: [row.countText, row.targetText, row.presetId].join(" ")
+                    Accessible.description: `${row.countText} ${row.targetText} ${row.presetId}`
                     ringRadius: Theme.radiusSm
                     onClicked: section.model.loadMine(row.index)
                     background: Rectangle {

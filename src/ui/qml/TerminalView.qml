@@ -212,8 +212,8 @@ FocusScope {
             scrolling.to = end;
             scrolling.start();
         }
-        onCountChanged: Qt.callLater(scrollToCursor)
-        onHeightChanged: Qt.callLater(positionViewAtEnd)
-        Component.onCompleted: Qt.callLater(positionViewAtEnd)
+        onCountChanged: Qt.callLater(scrollToCursor) // qmllint disable
+        onHeightChanged: Qt.callLater(positionViewAtEnd) // qmllint disable
+        Component.onCompleted: Qt.callLater(positionViewAtEnd) // qmllint disable
     }
 }

@@ -112,8 +112,9 @@ TEST_F(ProcessingPageInWindow, keepMiningKeepsOnAndCancelLeadsBack) {
     driver->click(QStringLiteral("cancelButton"));
     ASSERT_TRUE(driver->waitForText(QStringLiteral("Cancel mining?")));
     EXPECT_TRUE(driver->showsText(QStringLiteral("Progress will be lost.")));
-    ASSERT_TRUE(driver->waitFor(QStringLiteral("keepButton")));
-    driver->press(Qt::Key_Return); // the keyboard stands on "Keep Mining"
+    // The keyboard stands on "Keep Mining".
+    ASSERT_TRUE(waitUntil([this] { return driver->focusedName() == QStringLiteral("keepButton"); }));
+    driver->press(Qt::Key_Return);
     ASSERT_TRUE(driver->waitUntilGone(QStringLiteral("keepButton")));
     EXPECT_EQ(flow().currentStep(), MineStep::processing);
     EXPECT_NE(pipeline().step(), PipelineStep::idle);

@@ -75,6 +75,7 @@ Column {
                                 color: Theme.foreground
                             }
                             Row {
+                                id: details
                                 spacing: Theme.spacing12
                                 component Detail: Text {
                                     visible: text !== ""
@@ -88,7 +89,11 @@ Column {
                                                           : Theme.faded(Theme.textMuted, 0.7)
                                 }
                                 Detail { text: row.targetText }
-                                Detail { text: row.presetId }
+                                Detail {
+                                    width: Math.max(0, Math.min(implicitWidth, details.parent.width - x))
+                                    elide: Text.ElideRight
+                                    text: row.presetId
+                                }
                             }
                         }
                         Symbol {

@@ -13,7 +13,7 @@ class FlowTest : public ShellFixture {
 protected:
     void launchFlow() {
         launchSignedIn();
-        ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
+        ASSERT_TRUE(driver->waitFor(QStringLiteral("emptyDropZone")));
         stack = driver->find(QStringLiteral("pageStack"));
         ASSERT_NE(stack, nullptr);
     }

@@ -137,7 +137,7 @@ TEST_F(ShellTest, leavingTheMineAndComingBackStartsAtTheFirstStep) {
     driver->click(tab(1));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("step0")));
     EXPECT_EQ(world.page<MineViewModel>()->currentStep(), MineStep::setup);
-    EXPECT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("emptyDropZone")));
 }
 
 TEST_F(ShellTest, aClickOnTheChosenEntryKeepsThePageAsItIs) {

@@ -92,6 +92,7 @@ protected:
 
 TEST_F(FlowTest, theButtonsLeadThroughTheSteps) {
     launchFlow();
+    driver->resize(1100, 1400); // so that each page shows its buttons without being scrolled
     world.page<MineViewModel>()->setupNext();
     ASSERT_TRUE(waitForOnePage());
     driver->click(QStringLiteral("backButton"));

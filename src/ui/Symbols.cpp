@@ -24,16 +24,26 @@ constexpr std::array table = {
     Row{"checkmark.circle.fill", "check-circle-fill"},
     Row{"creditcard.fill", "credit-card-fill"},
     Row{"diamond.fill", "diamond-fill"},
+    Row{"doc.text.magnifyingglass", "doc-text-magnifyingglass"}, // ours
     Row{"exclamationmark.triangle.fill", "exclamation-triangle-fill"},
     Row{"globe", "globe"},
     Row{"key.fill", "key-fill"},
+    Row{"list.bullet", "list-ul"},
+    Row{"magnifyingglass", "search"},
+    Row{"paintbrush", "brush"},
     Row{"person.circle", "person-circle"},
+    Row{"play.fill", "play-fill"},
     Row{"plus.circle.fill", "plus-circle-fill"},
     Row{"puzzlepiece.extension.fill", "puzzle-fill"},
+    Row{"rectangle.on.rectangle.angled", "rectangle-on-rectangle-angled"}, // ours
     Row{"rectangle.portrait.and.arrow.right", "box-arrow-right"},
+    Row{"rectangle.stack", "collection"},
     Row{"square.and.arrow.down.fill", "box-arrow-in-down"},
+    Row{"stop.fill", "stop-fill"},
+    Row{"trash", "trash"},
     Row{"trash.fill", "trash-fill"},
     Row{"waveform.badge.magnifyingglass", "waveform-badge-magnifyingglass"}, // ours
+    Row{"xmark.circle.fill", "x-circle-fill"},
 };
 
 } // namespace

@@ -39,7 +39,8 @@ class StoryMapModel final : public QIdentityProxyModel {
     QML_ELEMENT
     QML_UNCREATABLE("Each belongs to a review page")
     Q_PROPERTY(QVariantList clusters READ clusters NOTIFY clustersChanged)
-    Q_PROPERTY(QPointF artboardOffset READ artboardOffset NOTIFY artboardChanged)
+    Q_PROPERTY(double offsetX READ offsetX NOTIFY artboardChanged)
+    Q_PROPERTY(double offsetY READ offsetY NOTIFY artboardChanged)
     Q_PROPERTY(double artboardScale READ artboardScale NOTIFY artboardChanged)
 public:
     enum Role {
@@ -76,6 +77,8 @@ public:
     /// Maps with `name`, `gem`, `x`, `y` (of the upper left corner), `width` and `height`.
     [[nodiscard]] QVariantList clusters() const;
     [[nodiscard]] QPointF artboardOffset() const { return m_artboardOffset; }
+    [[nodiscard]] double offsetX() const { return m_artboardOffset.x(); }
+    [[nodiscard]] double offsetY() const { return m_artboardOffset.y(); }
     [[nodiscard]] double artboardScale() const { return m_artboardScale; }
 
 Q_SIGNALS:

@@ -10,6 +10,7 @@
 #include <QTest>
 #include <gmock/gmock.h>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -102,9 +103,11 @@ protected:
         flow->pipeline()->setResults(results);
         flow->pipeline()->setLastMediaPaths(std::vector<std::string>{"/m/faro_01.wav", "/m/faro_02.wav"});
         flow->advanceTo(MineStep::review);
-        ASSERT_TRUE(driver->waitFor(QStringLiteral("segmentCard0")));
+        if (!driver->waitFor(QStringLiteral("segmentCard0")))
+            throw std::runtime_error("The story was not shown");
         page = driver->window().findChild<ReviewPageModel*>();
-        ASSERT_NE(page, nullptr);
+        if (page == nullptr)
+            throw std::runtime_error("The page has no model");
         page->setSound(sound.players(), sound.timers());
         settle();
     }

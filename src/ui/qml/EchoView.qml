@@ -166,9 +166,5 @@ FocusScope {
             }
         }
     }
-    Binding {
-        target: view.model.echo
-        property: "matchColor"
-        value: Theme.accent
-    }
+    Component.onCompleted: model.echo.matchColor = Theme.accent
 }

@@ -67,8 +67,8 @@ FocusScope {
     Item {
         id: board
         objectName: "mapContent"
-        x: view.map.artboardOffset.x
-        y: view.map.artboardOffset.y
+        x: view.map.offsetX
+        y: view.map.offsetY
         width: view.width
         height: view.height
         scale: view.map.artboardScale

@@ -82,16 +82,16 @@ FocusScope {
                 text: "List"
                 textSize: 12
                 symbolName: "list.bullet"
-                isChosen: review.viewMode === ReviewPageModel.list
-                onClicked: review.viewMode = ReviewPageModel.list
+                isChosen: review.viewMode === ReviewPageModel.ReviewViewMode.list
+                onClicked: review.viewMode = ReviewPageModel.ReviewViewMode.list
             }
             ReviewTab {
                 objectName: "mapButton"
                 text: "Map"
                 textSize: 12
                 symbolName: "rectangle.on.rectangle.angled"
-                isChosen: review.viewMode === ReviewPageModel.map
-                onClicked: review.viewMode = ReviewPageModel.map
+                isChosen: review.viewMode === ReviewPageModel.ReviewViewMode.map
+                onClicked: review.viewMode = ReviewPageModel.ReviewViewMode.map
             }
         }
     }
@@ -110,8 +110,8 @@ FocusScope {
             anchors.fill: parent
             focus: !review.showTranscript
             active: !review.showTranscript
-            sourceComponent: review.viewMode === ReviewPageModel.map ? mapView : listView
-            onLoaded: if (page.activeFocus) item.forceActiveFocus()
+            sourceComponent: review.viewMode === ReviewPageModel.ReviewViewMode.map ? mapView : listView
+            onLoaded: if (page.activeFocus) (item as FocusScope).forceActiveFocus()
         }
         Loader {
             id: echo
@@ -130,7 +130,7 @@ FocusScope {
         enabled: page.enabled && review.hasTranscript
         onActivated: {
             review.showTranscript = true;
-            echo.item.focusSearch();
+            (echo.item as EchoView).focusSearch();
         }
     }
 

@@ -7,6 +7,7 @@ import Zuvo
 Item {
     id: card
 
+    required property int segmentId
     required property int position        ///< from 1
     required property string times
     required property string length
@@ -33,8 +34,7 @@ Item {
     Accessible.focusable: true
     Accessible.focused: isChosen
     Accessible.selected: isExpanded
-    Accessible.expandable: true
-    Accessible.expanded: isExpanded
+    Accessible.description: isExpanded ? "Open" : ""
     Accessible.onPressAction: tapped()
 
     SoftShadow {

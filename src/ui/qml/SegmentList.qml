@@ -34,7 +34,6 @@ FocusScope {
         delegate: SegmentCard {
             id: card
             required property int index
-            required property int segmentId
 
             objectName: "segmentCard" + index
             x: view.sideMargin
@@ -78,7 +77,7 @@ FocusScope {
 
         Keys.onPressed: event => {
             view.isByKeyboard = true;
-            const item = list.currentItem;
+            const item = list.currentItem as SegmentCard;
             const moves = event.modifiers & Qt.AltModifier;
             if (moves && (event.key === Qt.Key_Up || event.key === Qt.Key_Down)) {
                 list.currentIndex = view.model.moveSegment(list.currentIndex, event.key === Qt.Key_Up ? -1 : 1);
@@ -116,8 +115,7 @@ FocusScope {
             readonly property int threshold: 6
 
             function cardAt(y) {
-                const item = list.itemAt(list.width / 2, y);
-                return item && item.segmentId !== undefined ? item : null;
+                return list.itemAt(list.width / 2, y) as SegmentCard;
             }
             function begin() {
                 const item = cardAt(pressY);
@@ -201,6 +199,7 @@ FocusScope {
         width: list.width - 2 * view.sideMargin
         sourceComponent: SegmentCard {
             objectName: "liftedCard"
+            segmentId: lifted.shownCard.segmentId
             position: lifted.shownCard.position
             times: lifted.shownCard.times
             length: lifted.shownCard.length

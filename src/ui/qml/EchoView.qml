@@ -83,8 +83,7 @@ FocusScope {
         objectName: "matchesLabel"
         x: view.sideMargin + Theme.spacing16
         anchors.top: search.bottom
-        anchors.topMargin: visible ? Theme.spacing8 : 0
-        height: visible ? implicitHeight : 0
+        anchors.topMargin: Theme.spacing8
         visible: text !== ""
         text: view.model.matchesText
         font: Theme.caption2()
@@ -94,7 +93,7 @@ FocusScope {
     ListView {
         id: lines
         objectName: "echoList"
-        anchors.top: matches.bottom
+        anchors.top: matches.visible ? matches.bottom : search.bottom
         anchors.topMargin: Theme.spacing8
         anchors.bottom: parent.bottom
         width: parent.width

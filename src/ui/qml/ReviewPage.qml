@@ -121,6 +121,9 @@ FocusScope {
             sourceComponent: echoView
         }
     }
+    // Whatever led here, the keys are the page's.
+    Component.onCompleted: area.forceActiveFocus()
+
     Component { id: listView; SegmentList { model: review; focus: true } }
     Component { id: mapView; MapArtboardView { model: review; focus: true } }
     Component { id: echoView; EchoView { model: review; focus: true } }

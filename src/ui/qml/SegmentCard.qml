@@ -61,8 +61,7 @@ Item {
     }
     Rectangle {
         anchors.fill: parent
-        anchors.margins: -2
-        radius: Theme.radiusSm + 2
+        radius: Theme.radiusSm
         color: "transparent"
         border.width: 2
         border.color: Theme.torchGlow
@@ -150,7 +149,7 @@ Item {
             active: card.isExpanded
             visible: active
             sourceComponent: Column {
-                spacing: Theme.spacing8
+                spacing: Theme.spacing12
                 topPadding: Theme.spacing6
                 LiveCaptionView {
                     objectName: "liveCaption"

@@ -8,7 +8,9 @@
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
+#include <chrono>
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace zuvo {
@@ -16,6 +18,9 @@ namespace zuvo {
 namespace {
 
 constexpr double millisecondsPerSecond = 1000.0;
+
+/// A file whose length is not known by then counts as one that cannot be opened.
+constexpr std::chrono::seconds lengthLimit{5};
 
 QString textOf(const std::string& text) {
     return QString::fromStdString(text);
@@ -78,12 +83,8 @@ public:
 
     DurationReader(std::vector<std::string> paths, Done done, QObject* parent)
         : QObject(parent), m_paths(std::move(paths)), m_done(std::move(done)) {
-        connect(&m_player, &QMediaPlayer::mediaStatusChanged, this, [this](QMediaPlayer::MediaStatus status) {
-            if (status == QMediaPlayer::LoadedMedia)
-                learn(static_cast<double>(m_player.duration()) / millisecondsPerSecond);
-            else if (status == QMediaPlayer::InvalidMedia)
-                learn(std::nullopt);
-        });
+        m_limit.setSingleShot(true);
+        connect(&m_limit, &QTimer::timeout, this, [this] { learn(std::nullopt); });
         later();
     }
 
@@ -101,17 +102,34 @@ private:
             return;
         }
         m_isOpening = true;
+        m_limit.start(lengthLimit);
         const auto path = textOf(m_paths[m_durations.size()]);
-        m_player.setSource(QUrl());
         if (QFileInfo(path).isFile())
-            m_player.setSource(QUrl::fromLocalFile(path));
+            openFile(path);
         else
             learn(std::nullopt);
+    }
+
+    void openFile(const QString& path) {
+        // One for each file: a file that cannot be opened spoils the player for the next one.
+        m_player = std::make_unique<QMediaPlayer>();
+        m_player->setAudioOutput(&m_output); // without one a stream of sound fails
+        // The length, not the loaded state: which of the two comes first is not settled.
+        connect(m_player.get(), &QMediaPlayer::durationChanged, this, [this](qint64 duration) {
+            if (duration > 0)
+                learn(static_cast<double>(duration) / millisecondsPerSecond);
+        });
+        connect(m_player.get(), &QMediaPlayer::mediaStatusChanged, this, [this](QMediaPlayer::MediaStatus status) {
+            if (status == QMediaPlayer::InvalidMedia)
+                learn(std::nullopt);
+        });
+        m_player->setSource(QUrl::fromLocalFile(path));
     }
 
     void learn(std::optional<double> seconds) {
         if (!std::exchange(m_isOpening, false))
             return;
+        m_limit.stop();
         m_durations.push_back(seconds);
         later();
     }
@@ -120,7 +138,9 @@ private:
     std::vector<std::optional<double>> m_durations;
     Done m_done;
     bool m_isOpening = false;
-    QMediaPlayer m_player;
+    QTimer m_limit;
+    QAudioOutput m_output; ///< nothing is heard: nothing plays
+    std::unique_ptr<QMediaPlayer> m_player;
 };
 
 class QtTimer final : public PlaybackTimers::Timer {

@@ -7,7 +7,7 @@ PlainButton {
 
     required property bool isChosen
     required property string symbolName
-    property real symbolSize: 12
+    property real symbolSize: 10
     property real textSize: 13
     readonly property color ink: isChosen ? Theme.accent : hovered ? Theme.textSecondary : Theme.textMuted
 

@@ -88,6 +88,9 @@ public:
     [[nodiscard]] const ProbeResults& probeResults() const { return m_probeResults; } ///< by file name
     [[nodiscard]] const std::optional<TranscriptResult>& lastTranscript() const { return m_lastTranscript; }
 
+    /// The world that it works in, for the pages that read and write beside it.
+    [[nodiscard]] const Platform& platform() const { return m_platform; }
+
     // Runs.
 
     /// Mines the timeline of this name in the open Resolve project, and builds the story there.

@@ -18,6 +18,7 @@ PlainButton {
     // How far the shadow has sunk: 0 released, 1 pressed.
     property real sunk: down ? 1 : 0
     property color shadowColor: "transparent"
+    property real shadowRadius: 14 ///< released
 
     implicitHeight: 48
     leftPadding: Theme.spacing24
@@ -38,7 +39,7 @@ PlainButton {
             visible: button.shadowColor.a > 0 && button.enabled
             cornerRadius: button.cornerRadius
             color: Theme.faded(button.shadowColor, button.down ? 0.15 : 0.3)
-            radius: button.down ? 5 : 14
+            radius: button.down ? 5 : button.shadowRadius
             offsetY: 6 - 4 * button.sunk
         }
         Rectangle {

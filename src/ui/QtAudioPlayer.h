@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ui/AudioPlayer.h"
+
+#include <QObject>
+
+namespace zuvo {
+
+/// Players on the desktop's own sound.
+class QtAudioPlayers final : public AudioPlayers {
+public:
+    [[nodiscard]] std::unique_ptr<AudioPlayer> open(const std::string& path, std::function<void()> failed) override;
+    void readDurations(std::vector<std::string> paths,
+                       std::function<void(std::vector<std::optional<double>>)> done) override;
+
+private:
+    QObject m_readers; ///< owns what reads lengths
+};
+
+/// Timers of the event loop.
+class QtPlaybackTimers final : public PlaybackTimers {
+public:
+    [[nodiscard]] std::unique_ptr<Timer> every(double seconds, std::function<void()> call) override;
+    [[nodiscard]] std::unique_ptr<Timer> after(double seconds, std::function<void()> call) override;
+};
+
+} // namespace zuvo

@@ -1,0 +1,157 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Zuvo
+
+/// The story as cards on a board, in a soft shape for each chapter. Moving a card changes only where it lies.
+FocusScope {
+    id: view
+
+    required property ReviewPageModel model
+    readonly property StoryMapModel map: model.map
+    clip: true
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: "Map"
+
+    function place() {
+        if (width > 0 && height > 0)
+            map.initializePositions(width, height);
+    }
+    onWidthChanged: place()
+    onHeightChanged: place()
+    Component.onCompleted: place()
+    Component.onDestruction: map.clear()
+
+    Canvas {
+        objectName: "dotGrid"
+        anchors.fill: parent
+        readonly property real step: 24
+        readonly property real diameter: 1.5
+        onPaint: {
+            const context = getContext("2d");
+            context.reset();
+            context.fillStyle = Theme.faded(Theme.border, 0.15);
+            for (let x = 0; x < width; x += step) {
+                for (let y = 0; y < height; y += step)
+                    context.ellipse(x - diameter / 2, y - diameter / 2, diameter, diameter);
+            }
+            context.fill();
+        }
+    }
+
+    MouseArea {
+        objectName: "mapBoard"
+        anchors.fill: parent
+        property real pressX: 0
+        property real pressY: 0
+        preventStealing: true
+        cursorShape: pressed ? Qt.ClosedHandCursor : Qt.ArrowCursor
+        onPressed: mouse => {
+            pressX = mouse.x;
+            pressY = mouse.y;
+            view.forceActiveFocus();
+        }
+        onPositionChanged: mouse => view.map.pan(mouse.x - pressX, mouse.y - pressY)
+        onWheel: wheel => {
+            if (wheel.modifiers & Qt.ControlModifier)
+                view.map.zoomBy(wheel.angleDelta.y / 120);
+            else
+                wheel.accepted = false;
+        }
+    }
+    PinchHandler {
+        target: null
+        onActiveScaleChanged: if (active) view.map.zoom(activeScale)
+    }
+
+    Item {
+        id: board
+        objectName: "mapContent"
+        x: view.map.offsetX
+        y: view.map.offsetY
+        width: view.width
+        height: view.height
+        scale: view.map.artboardScale
+
+        Repeater {
+            model: view.map.clusters
+            delegate: Item {
+                id: cluster
+                required property var modelData
+                readonly property color color: modelData.gem < 0 ? Theme.textMuted : Theme.chapterGems[modelData.gem]
+
+                objectName: "cavernCluster"
+                x: modelData.x
+                y: modelData.y
+                width: modelData.width
+                height: modelData.height
+                Rectangle {
+                    anchors.fill: parent
+                    radius: 24
+                    color: Theme.faded(cluster.color, 0.02)
+                    border.width: 1
+                    border.color: Theme.faded(cluster.color, 0.15)
+                }
+                Rectangle {
+                    x: 10
+                    y: -height / 2
+                    width: name.width + 16
+                    height: name.implicitHeight
+                    color: Theme.background
+                    Label {
+                        id: name
+                        x: 8
+                        width: Math.min(implicitWidth, cluster.width - 36)
+                        text: cluster.modelData.name
+                        textFormat: Text.PlainText
+                        elide: Text.ElideRight
+                        font: Theme.textFont(12, Font.DemiBold)
+                        color: cluster.color
+                    }
+                }
+            }
+        }
+
+        Repeater {
+            model: view.map
+            delegate: MapSegmentCard {
+                id: card
+                required property int index
+                required property int segmentId
+                required property real centerX
+                required property real centerY
+
+                objectName: "mapCard" + index
+                x: centerX - width / 2
+                y: centerY - height / 2
+                z: mover.isMoving ? 2 : isHovered ? 1 : 0
+                onPlayed: view.model.togglePlay(segmentId)
+                onRemoved: view.model.deleteSegment(index)
+
+                MouseArea {
+                    id: mover
+                    anchors.fill: parent
+                    z: -1
+                    preventStealing: true
+                    property bool isMoving: false
+                    property real pressX: 0
+                    property real pressY: 0
+                    onPressed: mouse => {
+                        pressX = mouse.x;
+                        pressY = mouse.y;
+                        card.forceActiveFocus();
+                    }
+                    onPositionChanged: mouse => {
+                        if (!isMoving && Math.hypot(mouse.x - pressX, mouse.y - pressY) <= 4)
+                            return;
+                        isMoving = true;
+                        const at = mapToItem(board, mouse.x, mouse.y);
+                        view.map.moveCard(card.segmentId, at.x, at.y);
+                    }
+                    onReleased: isMoving = false
+                    onCanceled: isMoving = false
+                }
+            }
+        }
+    }
+}

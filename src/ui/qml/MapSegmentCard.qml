@@ -1,0 +1,141 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Window
+import Zuvo
+
+/// A moment on the map. What can be done with it shows while it is pointed at or has the keyboard.
+FocusScope {
+    id: card
+
+    required property int gem
+    required property string transcript
+    required property string length
+    required property int position
+    required property bool isPlaying
+    readonly property color chapterColor: gem < 0 ? Theme.textMuted : Theme.chapterGems[gem]
+    readonly property bool isHovered: hover.hovered || activeFocus
+
+    signal played()
+    signal removed()
+
+    width: 92
+    height: 72
+    activeFocusOnTab: true
+
+    Accessible.role: Accessible.ListItem
+    Accessible.name: position + ". " + transcript
+    Accessible.focusable: true
+
+    Keys.onPressed: event => {
+        if (event.isAutoRepeat)
+            return;
+        if (event.key === Qt.Key_Space || event.key === Qt.Key_K || event.key === Qt.Key_Return) {
+            card.played();
+            event.accepted = true;
+        } else if (event.key === Qt.Key_Delete) {
+            card.removed();
+            event.accepted = true;
+        }
+    }
+
+    HoverHandler { id: hover; cursorShape: Qt.OpenHandCursor }
+    SoftShadow {
+        anchors.fill: parent
+        cornerRadius: Theme.radiusXs
+        radius: 5
+        offsetY: 2
+    }
+    CardSurface {
+        anchors.fill: parent
+        cornerRadius: Theme.radiusXs
+        borderTop: card.isPlaying ? Theme.faded(card.chapterColor, 0.6) : Theme.faded(Theme.border, 0.4)
+    }
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radiusXs
+        visible: card.isPlaying
+        color: Theme.faded(card.chapterColor, 0.12)
+    }
+    Item {
+        width: 3
+        height: parent.height
+        clip: true
+        Rectangle {
+            width: 2 * Theme.radiusXs
+            height: parent.height
+            radius: Theme.radiusXs
+            color: card.chapterColor
+        }
+    }
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -2
+        radius: Theme.radiusXs + 2
+        color: "transparent"
+        border.width: 2
+        border.color: Theme.torchGlow
+        visible: card.activeFocus && !hover.hovered
+    }
+    Label {
+        x: 11
+        y: 6
+        width: parent.width - x - 6
+        text: card.transcript
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        maximumLineCount: 3
+        elide: Text.ElideRight
+        lineHeight: 1.15
+        font: Theme.textFont(9, Font.Normal)
+        color: Theme.faded(Theme.foreground, 0.85)
+        Accessible.ignored: true
+    }
+    Label {
+        x: 11
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 6
+        text: card.length
+        font: Theme.textFont(8, Font.Normal)
+        color: Theme.faded(Theme.textMuted, 0.5)
+        Accessible.ignored: true
+    }
+    Row {
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: 4
+        spacing: 4
+        visible: card.isHovered
+        SymbolButton {
+            objectName: "mapPlayButton"
+            implicitWidth: 20
+            implicitHeight: 20
+            leftPadding: 0
+            rightPadding: 0
+            ringRadius: 5
+            text: card.isPlaying ? "Stop" : "Preview"
+            showsText: false
+            symbolName: card.isPlaying ? "stop.fill" : "play.fill"
+            symbolSize: 9
+            ink: Theme.accent
+            hoverInk: Theme.accentHover
+            fill: Theme.faded(Theme.background, 0.85)
+            onClicked: card.played()
+        }
+        SymbolButton {
+            objectName: "mapRemoveButton"
+            implicitWidth: 20
+            implicitHeight: 20
+            leftPadding: 0
+            rightPadding: 0
+            ringRadius: 5
+            text: "Remove"
+            showsText: false
+            symbolName: "trash"
+            symbolSize: 9
+            ink: Theme.faded(Theme.error, 0.6)
+            hoverInk: Theme.error
+            fill: Theme.faded(Theme.background, 0.85)
+            onClicked: card.removed()
+        }
+    }
+}

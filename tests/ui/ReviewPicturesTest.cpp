@@ -1,0 +1,73 @@
+#include "ui/ReviewFixture.h"
+
+#include <QDir>
+
+// Pictures of the review page: see PicturesTest.cpp.
+
+using namespace zuvo;
+using namespace zuvo::tests;
+
+namespace {
+
+class ReviewPictures : public ReviewFixture {
+protected:
+    void take(const QString& name) {
+        const auto image = driver->picture();
+        EXPECT_GT(image.width(), 0);
+        EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
+        const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
+        if (folder.isEmpty())
+            return;
+        QDir().mkpath(folder);
+        EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
+    }
+};
+
+} // namespace
+
+TEST_F(ReviewPictures, list) {
+    openReview();
+    givenTranscript();
+    take(QStringLiteral("05-discovery-a-list-closed"));
+    driver->click(QStringLiteral("segmentCard1"));
+    settle();
+    take(QStringLiteral("05-discovery-a-list-open"));
+    driver->click(QStringLiteral("playButton"));
+    sound.pass(14.0);
+    take(QStringLiteral("05-discovery-a-list"));
+    driver->press(Qt::Key_Down);
+    take(QStringLiteral("05-discovery-a-list-keyboard"));
+    driver->resize(900, 600);
+    take(QStringLiteral("05-discovery-a-list-minimum-window"));
+}
+
+TEST_F(ReviewPictures, drag) {
+    openReview();
+    const auto from = middleOf(QStringLiteral("segmentCard0"));
+    pressAt(from);
+    moveTo(from + QPoint(0, 10));
+    moveTo(from + QPoint(0, 100));
+    take(QStringLiteral("05-discovery-d-drag"));
+    releaseAt(from + QPoint(0, 100));
+}
+
+TEST_F(ReviewPictures, echo) {
+    openReview();
+    givenTranscript();
+    driver->click(QStringLiteral("echoTab"));
+    take(QStringLiteral("05-discovery-b-echo"));
+    driver->click(QStringLiteral("searchField"));
+    driver->type(QStringLiteral("mar"));
+    driver->hover(QStringLiteral("transcriptLine2"));
+    take(QStringLiteral("05-discovery-b-echo-search"));
+}
+
+TEST_F(ReviewPictures, map) {
+    openReview();
+    givenTranscript();
+    driver->click(QStringLiteral("mapButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("mapCard0")));
+    page->togglePlay(4);
+    driver->hover(QStringLiteral("mapCard4"));
+    take(QStringLiteral("05-discovery-c-map"));
+}

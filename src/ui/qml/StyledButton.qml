@@ -11,6 +11,7 @@ PlainButton {
     property color textColor: Theme.foreground
     property color symbolColor: textColor
     property int textWeight: Font.DemiBold
+    property int textSize: 15
     property color fill: "transparent"
     property color lineColor: "transparent"
     property real cornerRadius: 18
@@ -18,6 +19,7 @@ PlainButton {
     // How far the shadow has sunk: 0 released, 1 pressed.
     property real sunk: down ? 1 : 0
     property color shadowColor: "transparent"
+    property real shadowRadius: 14
 
     implicitHeight: 48
     leftPadding: Theme.spacing24
@@ -38,7 +40,7 @@ PlainButton {
             visible: button.shadowColor.a > 0 && button.enabled
             cornerRadius: button.cornerRadius
             color: Theme.faded(button.shadowColor, button.down ? 0.15 : 0.3)
-            radius: button.down ? 5 : 14
+            radius: button.down ? 5 : button.shadowRadius
             offsetY: 6 - 4 * button.sunk
         }
         Rectangle {
@@ -72,7 +74,7 @@ PlainButton {
                 anchors.verticalCenter: parent.verticalCenter
                 text: button.text
                 textFormat: Text.PlainText
-                font: Theme.textFont(15, button.textWeight)
+                font: Theme.textFont(button.textSize, button.textWeight)
                 color: button.textColor
                 width: Math.min(implicitWidth, button.availableWidth - button.symbolRoom)
                 elide: Text.ElideRight

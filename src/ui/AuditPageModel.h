@@ -24,7 +24,7 @@ enum class AuditVerdict { excellent, good, majorGaps };
 
 /// What an audit found in a cut, and which of the moments that it left out the user has picked. What is picked and what
 /// is opened ends with the page.
-class AuditPageModel final : public QObject {
+class AuditPageModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(zuvo::MineViewModel* flow READ flow WRITE setFlow NOTIFY flowChanged)

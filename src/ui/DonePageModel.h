@@ -16,7 +16,7 @@ namespace zuvo {
 
 /// "Daylight": what a mine came to, what it saved, its build, its exports, its rating and the earlier mines of the same
 /// footage. Its own state, whether a build runs and the status line, ends with it.
-class DonePageModel final : public QObject {
+class DonePageModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(zuvo::MineViewModel* flow READ flow WRITE setFlow NOTIFY flowChanged)

@@ -72,8 +72,11 @@ TEST_F(DoneWindow, blocksShowWhatThereIsToTell) {
 TEST_F(DoneWindow, theBuildTellsItsOutcomeBeneathTheButton) {
     showDone();
     givenBuildPrints("SUCCESS:11/11 clips appended");
+    tools->hold();
     driver->click(QStringLiteral("buildButton"));
     EXPECT_EQ(textOf(QStringLiteral("buildButton")), QStringLiteral("Building in Resolve..."));
+    EXPECT_FALSE(driver->shows(QStringLiteral("buildStatus")));
+    tools->release();
     ASSERT_TRUE(driver->waitForText(QStringLiteral("✓ 11/11 clips appended")));
     EXPECT_EQ(driver->find(QStringLiteral("buildStatus"))->property("color").value<QColor>(), QColor(0x4A, 0x9E, 0x6D));
     givenBuildPrints("ERROR:Resolve is closed");

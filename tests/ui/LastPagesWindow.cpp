@@ -4,6 +4,7 @@
 #include "fakes/CoroutineTest.h"
 #include "resolve/Scripts.h"
 
+#include <QCoroSignal>
 #include <QDateTime>
 #include <QFile>
 #include <QFileDevice>
@@ -25,7 +26,14 @@ ToldTools::Matcher isTool(const std::string& name) {
 
 } // namespace
 
+void ToldTools::release() {
+    m_isHeld = false;
+    Q_EMIT released();
+}
+
 QCoro::Task<ProcessOutcome> ToldTools::run(ProcessRequest request) {
+    if (m_isHeld)
+        co_await qCoro(this, &ToldTools::released);
     const auto rule =
         std::find_if(m_rules.rbegin(), m_rules.rend(), [&request](const auto& entry) { return entry.first(request); });
     ProcessOutcome outcome;

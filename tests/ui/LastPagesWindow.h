@@ -14,6 +14,7 @@ namespace zuvo::tests {
 
 /// Tools that print what a test says of the request; without a word of it they were never installed.
 class ToldTools final : public ProcessRunner {
+    Q_OBJECT
 public:
     using Matcher = std::function<bool(const ProcessRequest&)>;
 
@@ -23,7 +24,15 @@ public:
     /// The newest rule comes first.
     void print(Matcher matches, std::string output) { m_rules.emplace_back(std::move(matches), std::move(output)); }
 
+    /// From now on nothing is answered until `release`.
+    void hold() { m_isHeld = true; }
+    void release();
+
+Q_SIGNALS:
+    void released();
+
 private:
+    bool m_isHeld = false;
     std::vector<std::pair<Matcher, std::string>> m_rules;
 };
 

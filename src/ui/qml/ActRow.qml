@@ -16,7 +16,9 @@ Item {
     readonly property real chipSpacing: Theme.spacing8
     readonly property real room: Math.floor(width * 0.55)
     readonly property var chipWidths: chapters.map(chapter => chipWidth(chapter))
-    readonly property int shown: pageModel.shownChips(chipWidths, room, chipSpacing, chipWidth("+" + chapters.length))
+    readonly property int shown: pageModel ? pageModel.shownChips(chipWidths, room, chipSpacing, restWidth) : 0
+    /// Of the chip that tells how many are left out, at its widest.
+    readonly property real restWidth: chipWidth("+" + chapters.length)
     readonly property int rest: chapters.length - shown
 
     function chipWidth(chapter) {
@@ -55,7 +57,7 @@ Item {
         text: act.name
         textFormat: Text.PlainText
         wrapMode: Text.Wrap
-        maximumLineCount: 2
+        maximumLineCount: 3
         elide: Text.ElideRight
         font: Theme.textFont(13, Font.Medium)
         color: Theme.foreground
@@ -66,7 +68,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         // As wide as one row is, if all chips fit into one.
         width: {
-            let wanted = act.rest > 0 ? act.chipWidth("+" + act.rest) : -spacing;
+            let wanted = act.rest > 0 ? act.restWidth : -spacing;
             for (let index = 0; index < act.shown; ++index)
                 wanted += act.chipWidths[index] + spacing;
             return Math.max(0, Math.min(wanted, act.room));
@@ -85,7 +87,7 @@ Item {
         Chip {
             objectName: "moreChapters"
             visible: act.rest > 0
-            width: act.chipWidth(text)
+            width: act.restWidth
             text: "+" + act.rest
         }
     }

@@ -50,7 +50,7 @@ FocusScope {
         id: score
         property alias title: scoreTitle.text
         property alias value: scoreLabel.text
-        property alias valueSize: scoreLabel.font.pixelSize
+        property int valueSize: 18
         width: parent ? parent.width : 0
         height: 24
         SectionLabel {
@@ -61,7 +61,7 @@ FocusScope {
             id: scoreLabel
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            font: Theme.headline()
+            font: Theme.textFont(score.valueSize, Font.DemiBold)
             color: Theme.foreground
             Accessible.name: scoreTitle.text + " " + text
         }

@@ -18,26 +18,29 @@ Column {
 
     // Places from the middle of the area, in units; a colour is a place in the list of gems.
     readonly property var gems: [
-        { "x": -222, "y": -4, "size": 22, "color": 0 }, { "x": -184, "y": -38, "size": 14, "color": 1 },
-        { "x": -176, "y": 32, "size": 16, "color": 2 }, { "x": -138, "y": -12, "size": 18, "color": 3 },
-        { "x": -110, "y": 36, "size": 12, "color": 4 }, { "x": -102, "y": -44, "size": 16, "color": 5 },
-        { "x": 52, "y": -42, "size": 14, "color": 0 }, { "x": 62, "y": 34, "size": 18, "color": 1 },
-        { "x": 88, "y": -8, "size": 12, "color": 2 }, { "x": 122, "y": -36, "size": 20, "color": 3 },
-        { "x": 130, "y": 28, "size": 14, "color": 4 }, { "x": 172, "y": -2, "size": 18, "color": 5 }
+        { "x": -196, "y": -4, "size": 22, "color": 0 }, { "x": -158, "y": -38, "size": 14, "color": 1 },
+        { "x": -150, "y": 32, "size": 16, "color": 2 }, { "x": -112, "y": -12, "size": 18, "color": 3 },
+        { "x": -84, "y": 36, "size": 12, "color": 4 }, { "x": -76, "y": -44, "size": 16, "color": 5 },
+        { "x": 78, "y": -42, "size": 14, "color": 0 }, { "x": 88, "y": 34, "size": 18, "color": 1 },
+        { "x": 114, "y": -8, "size": 12, "color": 2 }, { "x": 148, "y": -36, "size": 20, "color": 3 },
+        { "x": 156, "y": 28, "size": 14, "color": 4 }, { "x": 198, "y": -2, "size": 18, "color": 5 }
     ]
     readonly property var sparks: [
-        { "x": -247, "y": -30, "size": 3, "color": 0 }, { "x": -202, "y": -18, "size": 4, "color": 3 },
-        { "x": -196, "y": 17, "size": 5, "color": 4 }, { "x": -154, "y": -48, "size": 3, "color": 0 },
-        { "x": -146, "y": 22, "size": 4, "color": 0 }, { "x": -81, "y": -13, "size": 5, "color": 1 },
-        { "x": 35, "y": 16, "size": 3, "color": 0 }, { "x": 104, "y": -49, "size": 5, "color": 4 },
-        { "x": 109, "y": 20, "size": 3, "color": 2 }, { "x": 152, "y": -12, "size": 4, "color": 0 },
-        { "x": 158, "y": 14, "size": 5, "color": 3 }, { "x": 201, "y": 26, "size": 5, "color": 1 }
+        { "x": -221, "y": -30, "size": 3, "color": 0 }, { "x": -176, "y": -18, "size": 4, "color": 3 },
+        { "x": -170, "y": 17, "size": 5, "color": 4 }, { "x": -128, "y": -48, "size": 3, "color": 0 },
+        { "x": -120, "y": 22, "size": 4, "color": 0 }, { "x": -55, "y": -13, "size": 5, "color": 1 },
+        { "x": 61, "y": 16, "size": 3, "color": 0 }, { "x": 130, "y": -49, "size": 5, "color": 4 },
+        { "x": 135, "y": 20, "size": 3, "color": 2 }, { "x": 178, "y": -12, "size": 4, "color": 0 },
+        { "x": 184, "y": 14, "size": 5, "color": 3 }, { "x": 227, "y": 26, "size": 5, "color": 1 }
     ]
     /// How far from the middle things stand before they spread, as a share of their places.
     readonly property real gathered: 0.18
     readonly property real reach: gathered + (1 - gathered) * spread
 
     Item {
+        id: area
+        readonly property real middleX: width / 2
+        readonly property real middleY: height / 2
         width: parent.width
         height: 120
 
@@ -45,8 +48,8 @@ Column {
             model: celebration.sparks
             Rectangle {
                 required property var modelData
-                x: parent.width / 2 + modelData.x * celebration.reach - width / 2
-                y: parent.height / 2 + modelData.y * celebration.reach - height / 2
+                x: area.middleX + modelData.x * celebration.reach - width / 2
+                y: area.middleY + modelData.y * celebration.reach - height / 2
                 width: modelData.size
                 height: width
                 radius: width / 2
@@ -58,8 +61,8 @@ Column {
             model: celebration.gems
             PixelGemView {
                 required property var modelData
-                x: parent.width / 2 + modelData.x * celebration.reach - size / 2
-                y: parent.height / 2 + modelData.y * celebration.reach - size / 2
+                x: area.middleX + modelData.x * celebration.reach - size / 2
+                y: area.middleY + modelData.y * celebration.reach - size / 2
                 size: modelData.size
                 color: Theme.chapterGems[modelData.color]
                 scale: 0.5 + 0.5 * celebration.spread

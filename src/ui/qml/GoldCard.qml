@@ -38,8 +38,8 @@ PlainButton {
         CardSurface {
             anchors.fill: parent
             cornerRadius: 10
-            // The ground shows through by little.
-            fill: card.hovered ? Theme.surfaceHover : Theme.cardBg
+            // Thin material lets a little of the ground through.
+            fill: Theme.faded(card.hovered ? Theme.surfaceHover : Theme.cardBg, 0.9)
             sheen: null
             borderWidth: card.isSelected ? 1.5 : Hairline.width(Screen.devicePixelRatio)
             borderTop: card.isSelected ? Theme.faded(Theme.accent, 0.7) : Theme.faded(Theme.border, 0.4)

@@ -16,13 +16,23 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: text
 
+    // A button that rests while its work is done has the keyboard again afterwards, and shows it if it did before.
+    property bool hadRing: false
+    onVisualFocusChanged: if (enabled) hadRing = visualFocus
+    onEnabledChanged: {
+        if (enabled && hadRing && activeFocus)
+            focusReason = Qt.TabFocusReason;
+        if (enabled)
+            hadRing = visualFocus;
+    }
+
     Keys.onReturnPressed: event => press(event)
     Keys.onEnterPressed: event => press(event)
 
     function press(event) {
         if (event.isAutoRepeat)
             return;
-        button.click();
+        button.clicked();
     }
 
     HoverHandler { cursorShape: button.enabled ? Qt.PointingHandCursor : Qt.ArrowCursor }

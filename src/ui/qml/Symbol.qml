@@ -18,8 +18,8 @@ Item {
         readonly property real edge: Math.round(symbol.size * 1.06)
         width: edge
         height: edge
-        sourceSize.width: Math.round(edge * Screen.devicePixelRatio)
-        sourceSize.height: sourceSize.width
+        readonly property int pixels: Math.round(edge * Screen.devicePixelRatio)
+        sourceSize: Qt.size(pixels, pixels)
         source: symbol.name === "" ? "" : "image://symbols/" + symbol.name + "/" + symbol.color
         smooth: true
     }

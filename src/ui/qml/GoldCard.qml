@@ -39,7 +39,7 @@ PlainButton {
             anchors.fill: parent
             cornerRadius: 10
             // Thin material lets a little of the ground through.
-            fill: Theme.faded(card.hovered ? Theme.surfaceHover : Theme.cardBg, 0.9)
+            fill: Qt.tint(Theme.background, Theme.faded(card.hovered ? Theme.surfaceHover : Theme.cardBg, 0.8))
             sheen: null
             borderWidth: card.isSelected ? 1.5 : Hairline.width(Screen.devicePixelRatio)
             borderTop: card.isSelected ? Theme.faded(Theme.accent, 0.7) : Theme.faded(Theme.border, 0.4)

@@ -19,7 +19,8 @@ Item {
         width: edge
         height: edge
         readonly property int pixels: Math.round(edge * Screen.devicePixelRatio)
-        sourceSize: Qt.size(pixels, pixels)
+        sourceSize.width: pixels
+        sourceSize.height: pixels
         source: symbol.name === "" ? "" : "image://symbols/" + symbol.name + "/" + symbol.color
         smooth: true
     }

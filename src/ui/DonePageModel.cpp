@@ -183,13 +183,18 @@ QVariantList DonePageModel::acts() const {
     std::unordered_map<std::int64_t, const StorySegment*> moments;
     for (const auto& segment : story->segments)
         moments.emplace(segment.index, &segment);
-    qsizetype chapterCount = 0;
+    QStringList seen; // chapters in the order in which they first occur
     for (const auto& act : story->structure.acts) {
         const auto chapters = chaptersOf(act, moments);
+        QVariantList gems;
+        for (const auto& chapter : chapters) {
+            if (!seen.contains(chapter))
+                seen.append(chapter);
+            gems.append(seen.indexOf(chapter));
+        }
         list.append(QVariantMap{{QStringLiteral("name"), shown(act.name)},
                                 {QStringLiteral("chapters"), chapters},
-                                {QStringLiteral("firstGem"), static_cast<int>(chapterCount)}});
-        chapterCount += chapters.size();
+                                {QStringLiteral("gems"), gems}});
     }
     return list;
 }

@@ -48,8 +48,8 @@ public:
 
     [[nodiscard]] bool hasResults() const;
     [[nodiscard]] QString momentsLine() const;
-    /// A map with `name`, `chapters` (a list of texts) and `firstGem` an act. Chapters take their colours round and
-    /// round from the list of gems; `firstGem` is the place from which this act goes on.
+    /// A map with `name`, `chapters` (a list of texts) and `gems` an act: for each chapter the place of its colour, to
+    /// be counted round and round in the list of gems. A chapter has one colour in all acts.
     [[nodiscard]] QVariantList acts() const;
     /// A map with `symbol`, `label` and `value` a tile.
     [[nodiscard]] QVariantList stats() const;

@@ -9,8 +9,8 @@ Item {
     required property DonePageModel pageModel
     property string name: ""
     property var chapters: []
-    /// The place of the first chapter's colour in the list of gems.
-    property int firstGem: 0
+    /// For each chapter the place of its colour, counted round and round in the list of gems.
+    property var gems: []
 
     readonly property real chipPadding: 10
     readonly property real chipSpacing: Theme.spacing8
@@ -81,7 +81,7 @@ Item {
                 required property int index
                 width: act.chipWidths[index]
                 text: act.chapters[index]
-                ink: Theme.chapterGems[(act.firstGem + index) % Theme.chapterGems.length]
+                ink: Theme.chapterGems[act.gems[index] % Theme.chapterGems.length]
             }
         }
         Chip {

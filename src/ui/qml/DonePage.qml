@@ -172,7 +172,7 @@ FocusScope {
                             pageModel: page.model
                             name: modelData.name
                             chapters: modelData.chapters
-                            firstGem: modelData.firstGem
+                            gems: modelData.gems
                         }
                     }
                 }

@@ -138,7 +138,15 @@ TEST_F(DonePage, anActShowsItsDistinctChaptersInOrder) {
     EXPECT_THAT(column(page->acts(), "name"), ElementsAre("Act 1", "Act 2"));
     EXPECT_EQ(chapters(0), QStringList({QStringLiteral("Light"), QStringLiteral("Storm")}));
     EXPECT_EQ(chapters(1), QStringList({QStringLiteral("After")}));
-    EXPECT_THAT(column(page->acts(), "firstGem"), ElementsAre("0", "2"));
+}
+
+TEST_F(DonePage, aChapterHasOneColourInAllActs) {
+    auto story = givenStoryRecord();
+    story.structure.acts = {{"Act 1", {0, 1}}, {"Act 2", {3, 0}}};
+    pipeline->setResults(story);
+    show();
+    EXPECT_EQ(page->acts().at(0).toMap().value(QStringLiteral("gems")).toList(), QVariantList({0, 1}));
+    EXPECT_EQ(page->acts().at(1).toMap().value(QStringLiteral("gems")).toList(), QVariantList({2, 0}));
 }
 
 TEST_F(DonePage, numbersThatNameNoMomentAndMomentsWithoutAChapterShowNoChip) {

@@ -19,7 +19,7 @@ PlainButton {
     // How far the shadow has sunk: 0 released, 1 pressed.
     property real sunk: down ? 1 : 0
     property color shadowColor: "transparent"
-    property real shadowRadius: 14
+    property real shadowRadius: 14 ///< released
 
     implicitHeight: 48
     leftPadding: Theme.spacing24

@@ -6,7 +6,7 @@ import Zuvo
 Item {
     id: symbol
 
-    required property string name
+    property string name: ""
     property real size: 16
     property color color: Theme.foreground
 
@@ -18,7 +18,9 @@ Item {
         readonly property real edge: Math.round(symbol.size * 1.06)
         width: edge
         height: edge
-        sourceSize: Qt.size(edge * Screen.devicePixelRatio, edge * Screen.devicePixelRatio)
+        readonly property int pixels: Math.round(edge * Screen.devicePixelRatio)
+        sourceSize.width: pixels
+        sourceSize.height: pixels
         source: symbol.name === "" ? "" : "image://symbols/" + symbol.name + "/" + symbol.color
         smooth: true
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "exporters/StoryExport.h"
 #include "model/Modes.h"
 #include "model/Style.h"
 
@@ -57,9 +58,6 @@ struct BuildCommand {
 struct TimelinesCommand {
     bool json = false;
 };
-
-/// The forms in which other editing systems take a story.
-enum class ExportFormat { edl, fcpxml, premiere };
 
 /// Writes a saved project's story for another editing system.
 struct ExportCommand {

@@ -1,17 +1,13 @@
 #include "cli/Export.h"
 
 #include "cli/Streams.h"
-#include "exporters/EDLExporter.h"
-#include "exporters/FCPXMLExporter.h"
 #include "exporters/MediaList.h"
-#include "exporters/PremiereXMLExporter.h"
+#include "exporters/StoryExport.h"
 #include "platform/FileSystem.h"
 
 namespace zuvo {
 
 namespace {
-
-constexpr const char* sequenceName = "Zuvo Story Edit";
 
 /// Probes each file without touching what the last mine left in the cache.
 QCoro::Task<ProbeResults> probed(std::shared_ptr<LocalPipeline> pipeline, std::vector<std::string> paths) {
@@ -22,34 +18,6 @@ QCoro::Task<ProbeResults> probed(std::shared_ptr<LocalPipeline> pipeline, std::v
             results[result->filename] = *result;
     }
     co_return results;
-}
-
-struct Written {
-    std::string path;
-    std::error_code failure;
-};
-
-Written writeStory(const std::string& folder, const MiningResults& story, const std::vector<MediaFileInfo>& media,
-                   const ExportCommand& command) {
-    Written written;
-    switch (command.format) {
-    case ExportFormat::edl:
-        written.path = folder + "/story_edit.edl";
-        written.failure =
-            EDLExporter::exportToFile(written.path, sequenceName, story.segments, media, command.framesPerSecond);
-        break;
-    case ExportFormat::fcpxml:
-        written.path = folder + "/story_edit.fcpxml";
-        written.failure = FCPXMLExporter::exportToFile(written.path, sequenceName, story.segments, media,
-                                                       command.framesPerSecond, story.subtitles);
-        break;
-    case ExportFormat::premiere:
-        written.path = folder + "/story_edit_premiere.xml";
-        written.failure = PremiereXMLExporter::exportToFile(written.path, sequenceName, story.segments, media,
-                                                            command.framesPerSecond);
-        break;
-    }
-    return written;
 }
 
 } // namespace
@@ -65,10 +33,11 @@ QCoro::Task<ExitStatus> exportProject(std::shared_ptr<LocalPipeline> pipeline, E
         co_return failWith("the project \"" + command.project + "\" lies outside of the projects' folder");
     const auto probes = co_await probed(pipeline, project->mediaPaths);
     const auto media = generateMediaFileInfo(project->mediaPaths, probes, project->results->segments);
-    const auto written = writeStory(*folder, *project->results, media, command);
-    if (written.failure)
-        co_return failWith(written.path + " could not be written: " + written.failure.message());
-    print(written.path + "\n");
+    const auto path = *folder + "/" + std::string(exportFileName(command.format));
+    const auto failure = exportStory(command.format, path, *project->results, media, command.framesPerSecond);
+    if (failure)
+        co_return failWith(path + " could not be written: " + failure.message());
+    print(path + "\n");
     co_return ExitStatus::complete;
 }
 

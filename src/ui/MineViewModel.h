@@ -6,6 +6,7 @@
 #include "model/Style.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/Clock.h"
+#include "platform/DesktopOpener.h"
 #include "resolve/ResolveBridge.h"
 #include "ui/DroppedFile.h"
 #include "ui/MineStep.h"
@@ -31,6 +32,7 @@ struct MineTools {
     std::shared_ptr<CloudProcessor> cloudProcessor;
     std::shared_ptr<LocalPipeline> pipeline;
     Clock clock;
+    std::shared_ptr<DesktopOpener> desktop;
 };
 
 /// The guided flow of one mine: every choice that the user makes for it, the pipeline that it drives, and which page
@@ -107,6 +109,7 @@ public:
 
     [[nodiscard]] const std::shared_ptr<LocalPipeline>& pipeline() const { return m_tools.pipeline; }
     [[nodiscard]] const std::shared_ptr<ResolveBridge>& resolveBridge() const { return m_tools.resolveBridge; }
+    [[nodiscard]] const std::shared_ptr<DesktopOpener>& desktop() const { return m_tools.desktop; }
     [[nodiscard]] std::vector<StorySegment> reviewSegments() const;
     [[nodiscard]] std::vector<std::string> mediaPaths() const;
     [[nodiscard]] std::vector<TranscriptSegment> fullTranscript() const;

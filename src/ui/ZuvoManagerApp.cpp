@@ -50,6 +50,7 @@ MineTools ZuvoManagerApp::makeMineTools() const {
     tools.cloudProcessor = CloudProcessor::create(m_client, {m_world.platform.newUuid});
     tools.pipeline = LocalPipeline::create(m_world.platform);
     tools.clock = m_world.platform.clock;
+    tools.desktop = m_world.desktop;
     return tools;
 }
 

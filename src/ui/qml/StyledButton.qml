@@ -11,6 +11,7 @@ PlainButton {
     property color textColor: Theme.foreground
     property color symbolColor: textColor
     property int textWeight: Font.DemiBold
+    property int textSize: 15
     property color fill: "transparent"
     property color lineColor: "transparent"
     property real cornerRadius: 18
@@ -73,7 +74,7 @@ PlainButton {
                 anchors.verticalCenter: parent.verticalCenter
                 text: button.text
                 textFormat: Text.PlainText
-                font: Theme.textFont(15, button.textWeight)
+                font: Theme.textFont(button.textSize, button.textWeight)
                 color: button.textColor
                 width: Math.min(implicitWidth, button.availableWidth - button.symbolRoom)
                 elide: Text.ElideRight

@@ -104,7 +104,7 @@ FocusScope {
         bottomMargin: Theme.spacing16
         highlightMoveDuration: 0
         reuseItems: true
-        ScrollBar.vertical: ScrollBar { policy: lines.contentHeight > lines.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
+        ScrollBar.vertical: PageScrollBar { policy: lines.contentHeight > lines.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
 
         Accessible.role: Accessible.List
         Accessible.name: "The Echo"

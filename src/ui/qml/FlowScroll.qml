@@ -19,7 +19,7 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     interactive: contentHeight > height
 
-    ScrollBar.vertical: ScrollBar {
+    ScrollBar.vertical: PageScrollBar {
         policy: flick.contentHeight > flick.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
     }
 

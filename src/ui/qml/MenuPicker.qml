@@ -105,7 +105,7 @@ T.ComboBox {
             model: picker.popup.visible ? picker.delegateModel : null
             currentIndex: picker.highlightedIndex
             boundsBehavior: Flickable.StopAtBounds
-            Controls.ScrollBar.vertical: Controls.ScrollBar { }
+            Controls.ScrollBar.vertical: PageScrollBar { }
         }
         background: Item {
             SoftShadow {

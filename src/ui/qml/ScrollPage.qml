@@ -16,7 +16,7 @@ FocusScope {
         contentWidth: width
         contentHeight: column.height + page.topMargin + Theme.spacing48
         boundsBehavior: Flickable.StopAtBounds
-        ScrollBar.vertical: ScrollBar { policy: flick.contentHeight > flick.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
+        ScrollBar.vertical: PageScrollBar { policy: flick.contentHeight > flick.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
 
         Column {
             id: column

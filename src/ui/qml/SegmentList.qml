@@ -26,7 +26,7 @@ FocusScope {
         keyNavigationEnabled: true
         highlightMoveDuration: 150
         highlightFollowsCurrentItem: true
-        ScrollBar.vertical: ScrollBar { policy: list.contentHeight > list.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
+        ScrollBar.vertical: PageScrollBar { policy: list.contentHeight > list.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
 
         Accessible.role: Accessible.List
         Accessible.name: "Gems"

@@ -89,7 +89,7 @@ FocusScope {
         model: terminal.model.log
         Accessible.role: Accessible.List
         Accessible.name: "Log"
-        ScrollBar.vertical: ScrollBar { }
+        ScrollBar.vertical: PageScrollBar { }
 
         header: Item { width: 1; height: Theme.spacing6 }
         delegate: Item {

@@ -71,6 +71,8 @@ FocusScope {
             width: parent.width
             height: Math.max(232, left.height - left.inset - left.inset - y)
             visible: setup.isFromFiles
+            opacity: visible ? 1 : 0
+            Behavior on opacity { SourceChange { } }
             // The rows may need more than the free height.
             implicitHeight: height
             Binding on height {
@@ -108,12 +110,16 @@ FocusScope {
             objectName: "connectionCard"
             width: parent.width
             visible: !setup.isFromFiles
+            opacity: visible ? 1 : 0
+            Behavior on opacity { SourceChange { } }
             model: setup
         }
         Column {
             width: parent.width
             spacing: Theme.spacing8
             visible: !setup.isFromFiles && setup.isConnected
+            opacity: visible ? 1 : 0
+            Behavior on opacity { SourceChange { } }
             SectionLabel { text: "TIMELINE" }
             Label {
                 width: parent.width
@@ -137,6 +143,8 @@ FocusScope {
             objectName: "sourcePreview"
             width: parent.width
             visible: !setup.isFromFiles && setup.isConnected && setup.timelineName !== ""
+            opacity: visible ? 1 : 0
+            Behavior on opacity { SourceChange { } }
             name: setup.timelineName
         }
     }

@@ -80,11 +80,15 @@ FocusScope {
         Item {
             id: fineTuneSection
             objectName: "fineTuneSection"
+            readonly property bool isWanted: !style.isMagicMode
+            property real openness: isWanted ? 1 : 0
             width: parent.width
-            height: fineTune.height
-            visible: !style.isMagicMode
-            opacity: style.isMagicMode ? 0 : 1
-            Behavior on opacity { NumberAnimation { duration: 250; easing.type: Easing.InOutQuad } }
+            height: fineTune.height * openness
+            visible: openness > 0
+            opacity: openness
+            enabled: isWanted
+            clip: openness < 1
+            Behavior on openness { NumberAnimation { duration: 250; easing.type: Easing.InOutQuad } }
             Column {
                 id: fineTune
                 width: parent.width

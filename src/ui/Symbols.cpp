@@ -12,6 +12,7 @@ namespace zuvo {
 namespace {
 
 constexpr int standardEdge = 16;
+constexpr int largestEdge = 4096; ///< pixels; no page asks for a symbol of that size
 
 using Row = std::pair<std::string_view, std::string_view>;
 
@@ -112,12 +113,11 @@ QStringList symbolNames() {
 
 QImage symbolImage(const QString& name, const QColor& color, const QSize& size) {
     const auto file = symbolFile(name);
-    if (file.isEmpty() || !color.isValid() || size.isEmpty())
+    if (file.isEmpty() || !color.isValid() || size.isEmpty() || size.width() > largestEdge ||
+        size.height() > largestEdge)
         return {};
     QSvgRenderer drawing(file);
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull()) // there is not that much memory
-        return {};
     image.fill(Qt::transparent);
     QPainter painter(&image);
     drawing.render(&painter);

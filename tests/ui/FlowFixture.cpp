@@ -3,7 +3,8 @@
 #include "resolve/Scripts.h"
 
 #include <QCoreApplication>
-#include <QCoroSignal>
+#include <QCoroFuture>
+#include <QCoroTimer>
 #include <QDateTime>
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
@@ -23,21 +24,21 @@ QCoro::Task<ProcessOutcome> ChosenTools::run(ProcessRequest request) {
                                    [&request](const auto& answer) { return answer.first(request); });
     if (rule != m_answers.rend()) {
         auto outcome = rule->second;
-        QTimer turn; // nothing is answered before the event loop has turned once, as in life
-        turn.setSingleShot(true);
-        turn.start(0);
-        co_await qCoro(&turn, &QTimer::timeout);
+        // Nothing is answered before the event loop has turned once, as in life.
+        co_await QCoro::sleepFor(std::chrono::milliseconds(0));
         co_return outcome;
     }
-    if (m_held && m_held(request))
-        co_await qCoro(&m_gate, &QTimer::timeout);
+    if (m_held && m_held(request)) {
+        const auto gate = m_gate;
+        co_await gate->future();
+    }
     co_return co_await m_real->run(std::move(request));
 }
 
 void ChosenTools::release() {
     m_held = {};
-    m_gate.setSingleShot(true);
-    m_gate.start(0);
+    if (m_gate)
+        m_gate->finish();
 }
 
 void ChosenTools::answer(Matcher matches, ProcessOutcome outcome) {

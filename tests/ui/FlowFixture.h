@@ -5,7 +5,7 @@
 #include "ui/WindowDriver.h"
 
 #include <QList>
-#include <QTimer>
+#include <QPromise>
 #include <QUrl>
 #include <functional>
 #include <gmock/gmock.h>
@@ -27,7 +27,11 @@ public:
     void endChildren() override { m_real->endChildren(); }
 
     /// Requests that match wait until `release`.
-    void hold(Matcher matches) { m_held = std::move(matches); }
+    void hold(Matcher matches) {
+        m_held = std::move(matches);
+        m_gate = std::make_shared<QPromise<void>>();
+        m_gate->start();
+    }
     void release();
     /// Requests that match are answered at once, the newest rule before the older ones.
     void answer(Matcher matches, ProcessOutcome outcome);
@@ -37,7 +41,7 @@ public:
 private:
     std::shared_ptr<ProcessRunner> m_real;
     Matcher m_held;
-    QTimer m_gate; ///< fires when what is held may go on
+    std::shared_ptr<QPromise<void>> m_gate; ///< finishes when what is held may go on
     std::vector<std::pair<Matcher, ProcessOutcome>> m_answers;
 };
 

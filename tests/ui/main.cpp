@@ -23,9 +23,9 @@ QString screenFile(const QTemporaryDir& folder) {
 
 } // namespace
 
-/// Under the address sanitizer: the renderer without a graphics card keeps pictures and textures until the process ends,
-/// in objects of its own that point at each other, which count as leaked. Leaks of what the pages stand on are looked for
-/// in the tests without a window.
+/// Under the address sanitizer: the renderer without a graphics card keeps pictures and textures until the process
+/// ends, in objects of its own that point at each other, which count as leaked. Leaks of what the pages stand on are
+/// looked for in the tests without a window.
 extern "C" int __lsan_is_turned_off() {
     return 1;
 }

@@ -99,7 +99,7 @@ Controls.Popup {
         Item { width: 1; height: Theme.spacing8 }
         Row {
             width: parent.width
-            spacing: Theme.spacing8
+            spacing: Theme.spacing12
             SecondaryButtonStyle {
                 id: keepButton
                 objectName: "keepButton"

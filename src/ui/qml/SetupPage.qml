@@ -94,6 +94,7 @@ FocusScope {
                 objectName: "dropFrame"
                 anchors.fill: parent
                 anchors.margins: -Theme.spacing12
+                anchors.topMargin: -Theme.spacing8
                 isTargeted: true
                 visible: setup.hasFiles && opacity > 0
                 opacity: page.isDropTargeted ? 1 : 0

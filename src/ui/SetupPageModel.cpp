@@ -5,14 +5,53 @@
 #include "base/Text.h"
 #include "platform/TopLevelTask.h"
 
+#include <QCoroFuture>
+#include <QPromise>
+#include <QSet>
 #include <QSysInfo>
 #include <QVariantMap>
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <iterator>
 #include <utility>
 
 namespace zuvo {
+
+/// Lets so many probes in at once that they keep a machine busy without using up its processes and open files; the
+/// others wait in the order in which they came.
+class ProbeGate {
+public:
+    /// Finishes when there is a place. Whoever has it gives it back by `leave`.
+    [[nodiscard]] QFuture<void> enter() {
+        QPromise<void> place;
+        place.start();
+        auto given = place.future();
+        if (m_running < mostAtOnce) {
+            ++m_running;
+            place.finish();
+        } else {
+            m_waiting.push_back(std::move(place));
+        }
+        return given;
+    }
+
+    void leave() {
+        if (m_waiting.empty()) {
+            --m_running;
+            return;
+        }
+        auto next = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        next.finish();
+    }
+
+private:
+    static constexpr int mostAtOnce = 8;
+
+    int m_running = 0;
+    std::deque<QPromise<void>> m_waiting;
+};
 
 namespace {
 
@@ -44,7 +83,31 @@ QUrl localUrl(QUrl url) {
     return QUrl::fromLocalFile(url.toLocalFile()).adjusted(QUrl::NormalizePathSegments);
 }
 
-QCoro::Task<> probe(std::shared_ptr<LocalPipeline> pipeline, QPointer<MineViewModel> flow, QUuid id, std::string path) {
+/// A place behind the gate, until it goes.
+class ProbePlace {
+public:
+    explicit ProbePlace(std::shared_ptr<ProbeGate> gate) : m_gate(std::move(gate)) {}
+    ~ProbePlace() { m_gate->leave(); }
+    ProbePlace(const ProbePlace&) = delete;
+    ProbePlace& operator=(const ProbePlace&) = delete;
+
+private:
+    std::shared_ptr<ProbeGate> m_gate;
+};
+
+bool lists(const QPointer<MineViewModel>& flow, const QUuid& id) {
+    if (flow.isNull())
+        return false;
+    const auto& files = flow->droppedFiles();
+    return std::any_of(files.begin(), files.end(), [&id](const DroppedFile& file) { return file.id == id; });
+}
+
+QCoro::Task<> probe(std::shared_ptr<ProbeGate> gate, std::shared_ptr<LocalPipeline> pipeline,
+                    QPointer<MineViewModel> flow, QUuid id, std::string path) {
+    co_await gate->enter();
+    const ProbePlace place(gate);
+    if (!lists(flow, id)) // removed while it waited
+        co_return;
     auto result = co_await pipeline->probeMediaFile(path);
     if (!flow.isNull())
         flow->finishProbe(id, std::move(result));
@@ -56,7 +119,7 @@ QCoro::Task<> askForTimelines(std::shared_ptr<ResolveBridge> bridge) {
         co_await bridge->getTimelines();
 }
 
-ListRow rowOf(const DroppedFile& file) {
+ListRow rowOf(const DroppedFile& file, const QString& sizeText) {
     QString duration;
     QString sampleRate;
     if (file.probeResult && !file.isProbing) {
@@ -66,8 +129,7 @@ ListRow rowOf(const DroppedFile& file) {
     }
     const auto id = file.id.toString();
     return {id,
-            {id, file.filename(), SetupPageModel::symbolFor(file.url), file.isProbing, duration, sampleRate,
-             file.formattedSize()}};
+            {id, file.filename(), SetupPageModel::symbolFor(file.url), file.isProbing, duration, sampleRate, sizeText}};
 }
 
 ListRow rowOf(const SavedProject& project) {
@@ -83,6 +145,7 @@ ListRow rowOf(const SavedProject& project) {
 
 SetupPageModel::SetupPageModel(QObject* parent)
     : QObject(parent),
+      m_probeGate(std::make_shared<ProbeGate>()),
       m_files({"fileId", "filename", "symbol", "isProbing", "durationText", "sampleRateText", "sizeText"}),
       m_recentMines({"name", "hasResults", "countText", "targetText", "presetId"}) {}
 
@@ -115,12 +178,24 @@ void SetupPageModel::setFlow(MineViewModel* flow) {
 
 void SetupPageModel::listFiles() {
     std::vector<ListRow> rows;
+    QHash<QUuid, ShownSize> sizes;
     if (!m_flow.isNull()) {
-        for (const auto& file : m_flow->droppedFiles())
-            rows.push_back(rowOf(file));
+        for (const auto& file : m_flow->droppedFiles()) {
+            rows.push_back(rowOf(file, sizeTextOf(file)));
+            sizes.insert(file.id, m_sizes.value(file.id));
+        }
     }
+    m_sizes = std::move(sizes); // without those of files that have gone
     m_files.setRows(std::move(rows));
     Q_EMIT sourceChanged();
+}
+
+QString SetupPageModel::sizeTextOf(const DroppedFile& file) {
+    auto& size = m_sizes[file.id];
+    // A file that was still being written when it came may be whole by the time its probe has returned.
+    if (size.text.isEmpty() || size.isProbing != file.isProbing)
+        size = {file.formattedSize(), file.isProbing};
+    return size.text;
 }
 
 void SetupPageModel::listRecentMines() {
@@ -168,33 +243,37 @@ void SetupPageModel::chooseResolve() {
 }
 
 void SetupPageModel::handleDrop(const QList<QUrl>& urls) {
+    if (m_flow.isNull())
+        return;
+    auto files = m_flow->droppedFiles();
+    QSet<QUrl> known;
+    for (const auto& file : files)
+        known.insert(file.url);
+    std::vector<DroppedFile> added;
     for (const auto& url : urls) {
-        if (url.isLocalFile() && isAccepted(url))
-            addFile(url);
+        DroppedFile file;
+        file.url = localUrl(url);
+        if (!url.isLocalFile() || !isAccepted(url) || known.contains(file.url))
+            continue;
+        known.insert(file.url);
+        added.push_back(std::move(file));
     }
+    if (added.empty())
+        return;
+    files.insert(files.end(), added.begin(), added.end());
+    m_flow->setDroppedFiles(std::move(files));
+    for (const auto& file : added)
+        startProbe(file);
 }
 
 void SetupPageModel::addChosenFiles(const QList<QUrl>& urls) {
     handleDrop(urls);
 }
 
-void SetupPageModel::addFile(const QUrl& url) {
-    if (m_flow.isNull())
-        return;
-    DroppedFile file;
-    file.url = localUrl(url);
-    auto files = m_flow->droppedFiles();
-    const bool isThere =
-        std::any_of(files.begin(), files.end(), [&file](const DroppedFile& other) { return other.url == file.url; });
-    if (isThere)
-        return;
-    const auto id = file.id;
-    const auto path = file.url.toLocalFile().toStdString();
-    files.push_back(std::move(file));
-    m_flow->setDroppedFiles(std::move(files));
-    startTopLevelTask(m_flow, "that probes a file", [pipeline = m_flow->pipeline(), flow = m_flow, id, path] {
-        return probe(pipeline, flow, id, path);
-    });
+void SetupPageModel::startProbe(const DroppedFile& file) {
+    startTopLevelTask(m_flow, "that probes a file",
+                      [gate = m_probeGate, pipeline = m_flow->pipeline(), flow = m_flow, id = file.id,
+                       path = file.url.toLocalFile().toStdString()] { return probe(gate, pipeline, flow, id, path); });
 }
 
 void SetupPageModel::removeFile(const QString& fileId) {

@@ -3,16 +3,21 @@
 #include "ui/MineViewModel.h"
 #include "ui/RowListModel.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+#include <QUuid>
 #include <QVariantList>
+#include <memory>
 #include <qqmlregistration.h>
 
 namespace zuvo {
+
+class ProbeGate;
 
 /// The page "Into the Mine": where the footage comes from, how it is mined, and the mines that can be opened again.
 ///
@@ -69,7 +74,8 @@ public:
     Q_INVOKABLE void chooseResolve();
 
     /// Takes what was dropped: files of an accepted type that are not in the list yet, each probed by a task of its
-    /// own. Anything else is left out without a word.
+    /// own. Anything else is left out without a word. The tasks run beside each other; of very many files only some
+    /// are asked about at once, as each takes a process.
     Q_INVOKABLE void handleDrop(const QList<QUrl>& urls);
     /// What the file dialog gave, in its order.
     Q_INVOKABLE void addChosenFiles(const QList<QUrl>& urls);
@@ -131,11 +137,20 @@ Q_SIGNALS:
     void choicesChanged();
 
 private:
-    void addFile(const QUrl& url);
+    void startProbe(const DroppedFile& file);
     void listFiles();
+    [[nodiscard]] QString sizeTextOf(const DroppedFile& file);
     void listRecentMines();
 
     QPointer<MineViewModel> m_flow;
+    /// What a row says of a file's size, so that the disk is not asked of every file whenever one of them changes.
+    struct ShownSize {
+        QString text;
+        bool isProbing = true; ///< when it was read
+    };
+
+    std::shared_ptr<ProbeGate> m_probeGate;
+    QHash<QUuid, ShownSize> m_sizes;
     RowListModel m_files;
     RowListModel m_recentMines;
 };

@@ -87,7 +87,7 @@ constexpr std::array table = {
     Row{"trash", "trash"},
     Row{"trash.fill", "trash-fill"},
     Row{"wand.and.stars", "magic"},
-    Row{"waveform", "soundwave"},
+    Row{"waveform", "waveform"},
     Row{"waveform.badge.magnifyingglass", "waveform-badge-magnifyingglass"}, // ours
     Row{"xmark", "x-lg"},
     Row{"xmark.circle.fill", "x-circle-fill"},

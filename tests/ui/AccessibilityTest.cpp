@@ -187,7 +187,8 @@ TEST_F(AccessibilityTest, theUpdatesAreToldWhole) {
 
 TEST_F(AccessibilityTest, theFlowIsToldWhole) {
     launchSignedIn();
-    for (const auto step : {MineStep::review, MineStep::done}) {
+    for (const auto step :
+         {MineStep::style, MineStep::processing, MineStep::review, MineStep::done, MineStep::setup, MineStep::done}) {
         world.page<MineViewModel>()->advanceTo(step);
         runEventLoop(std::chrono::milliseconds(450)); // the page before has gone
         expectAllNamed(*driver);

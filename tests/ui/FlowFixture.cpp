@@ -7,9 +7,9 @@
 #include <QCoroTimer>
 #include <QDateTime>
 #include <QDragEnterEvent>
+#include <QDragLeaveEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
-#include <QMimeData>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QStringList>
@@ -85,27 +85,40 @@ QUrl FlowFixture::sample(int number) {
 }
 
 void FlowFixture::dragOver(const QList<QUrl>& urls) {
+    QMimeData data;
+    data.setUrls(urls);
+    dragOver(data);
+}
+
+void FlowFixture::drop(const QList<QUrl>& urls) {
+    QMimeData data;
+    data.setUrls(urls);
+    drop(data);
+}
+
+void FlowFixture::dragOver(const QMimeData& data) {
     const auto* zone = driver->find(QStringLiteral("dropZone"));
     ASSERT_NE(zone, nullptr);
     const auto place = zone->mapToScene(QPointF(zone->width() / 2, zone->height() / 2));
-    QMimeData data;
-    data.setUrls(urls);
     QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&driver->window(), &enter);
     QDragMoveEvent move(place.toPoint() + QPoint(2, 2), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&driver->window(), &move);
 }
 
-void FlowFixture::drop(const QList<QUrl>& urls) {
-    dragOver(urls);
+void FlowFixture::drop(const QMimeData& data) {
+    dragOver(data);
     const auto* zone = driver->find(QStringLiteral("dropZone"));
     ASSERT_NE(zone, nullptr);
-    QMimeData data;
-    data.setUrls(urls);
     QDropEvent event(zone->mapToScene(QPointF(zone->width() / 2, zone->height() / 2)), Qt::CopyAction, &data,
                      Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&driver->window(), &event);
     EXPECT_TRUE(event.isAccepted());
+}
+
+void FlowFixture::dragAway() {
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(&driver->window(), &leave);
 }
 
 void FlowFixture::givenDialog(const QString& whatOpenDoes, const QList<QUrl>& urls) {

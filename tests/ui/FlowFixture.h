@@ -5,6 +5,7 @@
 #include "ui/WindowDriver.h"
 
 #include <QList>
+#include <QMimeData>
 #include <QPromise>
 #include <QUrl>
 #include <functional>
@@ -66,6 +67,11 @@ protected:
     /// Drags files over the drop zone and lets them go there.
     void drop(const QList<QUrl>& urls);
     void dragOver(const QList<QUrl>& urls);
+    /// The same with data as another program hands it over.
+    void drop(const QMimeData& data);
+    void dragOver(const QMimeData& data);
+    /// Takes what is held over the window away again.
+    void dragAway();
 
     /// The file dialog gives these at once, whenever it is asked for.
     void givenDialogGives(const QList<QUrl>& urls);

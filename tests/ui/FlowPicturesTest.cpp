@@ -76,7 +76,22 @@ TEST_F(FlowPictures, setup) {
     driver->find(QStringLiteral("actionButton"))->forceActiveFocus(Qt::TabFocusReason);
     take(QStringLiteral("02-setup-f-keyboard"));
     driver->click(QStringLiteral("languagePicker"));
-    take(QStringLiteral("02-setup-g-languages"));
+    takeInEverySize(QStringLiteral("02-setup-g-languages"));
+}
+
+TEST_F(FlowPictures, setupWithFilesHeldOverOthers) {
+    launch();
+    givenTwoFiles();
+    dragOver({givenFile("a.wav")});
+    takeInEverySize(QStringLiteral("02-setup-h-more-files-held-over"));
+    dragAway();
+    std::vector<DroppedFile> many;
+    for (int i = 0; i < 24; ++i) {
+        many.push_back(fileOfSize("Faro_Interview_A" + std::to_string(100 + i) + ".mxf", 730'900'000));
+        many.back().isProbing = i > 20;
+    }
+    flow().setDroppedFiles(many);
+    takeInEverySize(QStringLiteral("02-setup-i-many-files"));
 }
 
 TEST_F(FlowPictures, setupWithResolve) {
@@ -85,7 +100,7 @@ TEST_F(FlowPictures, setupWithResolve) {
     driver->click(QStringLiteral("resolveTab"));
     ASSERT_TRUE(driver->waitForText(QStringLiteral("Connected")));
     ASSERT_TRUE(waitUntil([this] { return flow().resolveBridge()->timelines().size() == 2; }));
-    take(QStringLiteral("02-setup-c-resolve-no-timeline"));
+    takeInEverySize(QStringLiteral("02-setup-c-resolve-no-timeline"));
     flow().setSelectedTimeline("Faro Interview — Assembly");
     driver->click(QStringLiteral("mode3"));
     takeInEverySize(QStringLiteral("02-setup-c-resolve"));
@@ -94,7 +109,7 @@ TEST_F(FlowPictures, setupWithResolve) {
 TEST_F(FlowPictures, setupWithoutResolve) {
     launch();
     driver->click(QStringLiteral("resolveTab"));
-    take(QStringLiteral("02-setup-c-resolve-not-connected"));
+    takeInEverySize(QStringLiteral("02-setup-c-resolve-not-connected"));
 }
 
 TEST_F(FlowPictures, setupWithRecentMines) {
@@ -131,7 +146,7 @@ TEST_F(FlowPictures, style) {
 
 TEST_F(FlowPictures, dig) {
     launch();
-    constexpr std::chrono::milliseconds longEnoughToLook{12000};
+    constexpr std::chrono::milliseconds longEnoughToLook{25000};
     world.services.fail(standin::Service::messages, standin::Failure::late(longEnoughToLook));
     flow().setDroppedFiles({});
     drop({sample(1), sample(2)});
@@ -142,7 +157,7 @@ TEST_F(FlowPictures, dig) {
     takeInEverySize(QStringLiteral("04-dig-a-running"));
     driver->click(QStringLiteral("cancelButton"));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("keepButton")));
-    take(QStringLiteral("04-dig-b-cancel"));
+    takeInEverySize(QStringLiteral("04-dig-b-cancel"));
     driver->click(QStringLiteral("keepButton"));
     thenStepIs(MineStep::review);
 }
@@ -158,4 +173,33 @@ TEST_F(FlowPictures, digThatFailed) {
     flow().styleNext();
     ASSERT_TRUE(driver->waitFor(QStringLiteral("errorBanner")));
     takeInEverySize(QStringLiteral("04-dig-c-error"));
+}
+
+TEST_F(FlowPictures, aWholeMineOfTheSample) {
+    constexpr std::chrono::milliseconds longEnoughToLook{2500};
+    launch();
+    take(QStringLiteral("12-mine-a-nothing-dropped"));
+    tools->hold(probing(".m4a"));
+    drop({sample(1), sample(2)});
+    take(QStringLiteral("12-mine-b-probing"));
+    tools->release();
+    ASSERT_TRUE(waitUntil([this] {
+        const auto& files = flow().droppedFiles();
+        return !files.front().isProbing && !files.back().isProbing;
+    }));
+    take(QStringLiteral("12-mine-c-probed"));
+    driver->click(QStringLiteral("actionButton"));
+    thenStepIs(MineStep::style);
+    take(QStringLiteral("12-mine-d-style"));
+    world.services.fail(standin::Service::transcription, standin::Failure::late(longEnoughToLook));
+    world.services.fail(standin::Service::messages, standin::Failure::late(longEnoughToLook));
+    scrollTo(QStringLiteral("actionButton"));
+    driver->click(QStringLiteral("actionButton"));
+    ASSERT_TRUE(waitUntil([this] { return pipeline().step() == PipelineStep::transcribing; }));
+    take(QStringLiteral("12-mine-e-transcribing"));
+    ASSERT_TRUE(waitUntil([this] { return pipeline().step() == PipelineStep::analyzing; }));
+    take(QStringLiteral("12-mine-f-analyzing"));
+    thenStepIs(MineStep::review);
+    take(QStringLiteral("12-mine-g-review"));
+    EXPECT_EQ(pipeline().step(), PipelineStep::complete);
 }

@@ -2,6 +2,7 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <algorithm>
 
 using namespace zuvo;
 using namespace zuvo::tests;
@@ -10,7 +11,37 @@ using testing::IsEmpty;
 
 namespace {
 
-class SetupPageInWindow : public FlowFixture {};
+class SetupPageInWindow : public FlowFixture {
+protected:
+    /// The names of the files in whose rows that text stands.
+    [[nodiscard]] std::vector<std::string> filesThatSay(const QString& text) {
+        std::vector<std::string> names;
+        for (const auto* item : driver->shownItems()) {
+            if (item->property("text").toString() != text)
+                continue;
+            while (item != nullptr && !item->property("filename").isValid())
+                item = item->parentItem();
+            if (item != nullptr)
+                names.push_back(item->property("filename").toString().toStdString());
+        }
+        return names;
+    }
+
+    [[nodiscard]] std::ptrdiff_t probesAskedFor(const std::string& pathEnd) {
+        return std::count_if(tools->requests.begin(), tools->requests.end(), probing(pathEnd));
+    }
+
+    [[nodiscard]] QPoint onSlider(const QString& name, double share) {
+        const auto* slider = driver->find(name);
+        return slider->mapToScene(QPointF(9 + share * (slider->width() - 18), slider->height() / 2)).toPoint();
+    }
+
+    void givenSaved(int count) {
+        for (int i = 0; i < count; ++i)
+            pipeline().saveProject("mine " + std::to_string(i), TranscriptResult(), {}, std::nullopt, 5.0);
+        flow().listProjects();
+    }
+};
 
 } // namespace
 
@@ -167,4 +198,143 @@ TEST_F(SetupPageInWindow, nothingIsCutOffInTheSmallestWindow) {
     const auto bottomRight = button->mapToScene(QPointF(button->width(), button->height()));
     EXPECT_LE(bottomRight.x(), 900 - 32);
     EXPECT_LE(bottomRight.y(), 600);
+}
+
+TEST_F(SetupPageInWindow, theListOfAFileManagerIsTakenAsItsBytesCome) {
+    launch();
+    const auto odd = givenFile("Größe 100% #1.wav");
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"),
+                 odd.toEncoded() + "\r\n" + givenFile("b.flac").toEncoded() + "\r\n" + "file:///none/c.txt\r\n");
+    drop(data);
+    EXPECT_THAT(fileNames(), ElementsAre("Größe 100% #1.wav", "b.flac"));
+    EXPECT_EQ(flow().droppedFiles().front().url.toLocalFile(), odd.toLocalFile());
+}
+
+TEST_F(SetupPageInWindow, textThatIsDraggedOverTheZoneIsNoFile) {
+    launch();
+    QMimeData data;
+    data.setText(QStringLiteral("file:///none/a.wav"));
+    dragOver(data);
+    EXPECT_FALSE(driver->find(QStringLiteral("emptyDropZone"))->property("isTargeted").toBool());
+}
+
+TEST_F(SetupPageInWindow, manyFilesAtOnceEachWithItsOwnStateWhileTheWindowLives) {
+    launch();
+    tools->answer(probing(".wav"), ProcessOutcome()); // no media
+    tools->hold(probing("held.mp3"));
+    QList<QUrl> urls{sample(1), givenFile("held.mp3")};
+    for (int i = 0; i < 58; ++i)
+        urls.append(givenFile("take " + std::to_string(i) + ".wav"));
+    drop(urls);
+    EXPECT_EQ(fileNames().size(), 60U);
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("60 files")));
+    EXPECT_EQ(filesThatSay(QStringLiteral("Probing…")).size(), 60U);
+    ASSERT_TRUE(waitUntil([this] { return filesThatSay(QStringLiteral("Probing…")).size() == 1; }));
+    EXPECT_THAT(filesThatSay(QStringLiteral("Probing…")), ElementsAre("held.mp3"));
+    EXPECT_THAT(filesThatSay(QStringLiteral("1:03")), ElementsAre("harbour_interview_01.m4a"));
+    EXPECT_EQ(filesThatSay(QStringLiteral("8 B")).size(), 59U); // "no media"
+    // One that takes long keeps nobody from going on.
+    driver->click(QStringLiteral("mode1"));
+    EXPECT_EQ(flow().selectedMode(), MiningMode::storyMine);
+    tools->release();
+    EXPECT_TRUE(waitUntil([this] { return filesThatSay(QStringLiteral("Probing…")).empty(); }));
+}
+
+TEST_F(SetupPageInWindow, ofVeryManyFilesOnlySomeAreAskedAboutAtOnceAndThoseRemovedMeanwhileNotAtAll) {
+    launch();
+    tools->hold(probing(".wav"));
+    QList<QUrl> urls;
+    for (int i = 0; i < 40; ++i)
+        urls.append(givenFile("take " + std::to_string(i) + ".wav"));
+    drop(urls);
+    ASSERT_TRUE(waitUntil([this] { return probesAskedFor(".wav") == 8; }));
+    runEventLoop(std::chrono::milliseconds(50));
+    EXPECT_EQ(probesAskedFor(".wav"), 8);
+    auto files = flow().droppedFiles();
+    files.resize(10);
+    flow().setDroppedFiles(files);
+    tools->release();
+    ASSERT_TRUE(waitUntil([this] { return filesThatSay(QStringLiteral("Probing…")).empty(); }));
+    EXPECT_EQ(fileNames().size(), 10U);
+    EXPECT_EQ(probesAskedFor(".wav"), 10);
+}
+
+TEST_F(SetupPageInWindow, filesHeldOverAFilledListMarkItToo) {
+    launch();
+    drop({givenFile("a.wav")});
+    EXPECT_FALSE(driver->shows(QStringLiteral("dropFrame")));
+    dragOver({givenFile("b.wav")});
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("dropFrame")));
+    dragAway();
+    EXPECT_TRUE(driver->waitUntilGone(QStringLiteral("dropFrame")));
+    dragOver({givenFile("b.wav")});
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("dropFrame")));
+    drop({givenFile("b.wav")});
+    EXPECT_TRUE(driver->waitUntilGone(QStringLiteral("dropFrame")));
+    EXPECT_THAT(fileNames(), ElementsAre("a.wav", "b.wav"));
+}
+
+TEST_F(SetupPageInWindow, filesThatAreTakenAwayAgainLeaveTheZoneAsItWas) {
+    launch();
+    dragOver({givenFile("a.wav")});
+    dragAway();
+    const auto* zone = driver->find(QStringLiteral("emptyDropZone"));
+    EXPECT_FALSE(zone->property("isTargeted").toBool());
+    EXPECT_TRUE(waitUntil([zone] { return zone->scale() == 1.0; }));
+}
+
+TEST_F(SetupPageInWindow, ofMoreThanThreeSavedProjectsOnlyTheFirstThreeAreShown) {
+    launch();
+    EXPECT_FALSE(driver->shows(QStringLiteral("recentMines")));
+    givenSaved(4);
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("recentMine2")));
+    EXPECT_FALSE(driver->shows(QStringLiteral("recentMine3")));
+}
+
+TEST_F(SetupPageInWindow, everyChoiceByTheMouseAlone) {
+    launch();
+    drop({givenFile("a.wav")});
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("mode2")));
+    driver->click(QStringLiteral("mode2"));
+    EXPECT_EQ(flow().selectedMode(), MiningMode::structure);
+    driver->click(QStringLiteral("languagePicker"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("pickerRow4")));
+    driver->click(QStringLiteral("pickerRow4"));
+    EXPECT_EQ(flow().selectedLanguage(), "de");
+    const auto from = onSlider(QStringLiteral("lengthSlider"), 4.0 / 29.0); // 5 of 1 to 30
+    const auto to = onSlider(QStringLiteral("lengthSlider"), 1.0);
+    driver->drag(from, to - from);
+    EXPECT_EQ(flow().targetMinutes(), 30.0);
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("30 min")));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("~1 credit"))); // a quarter of three
+    driver->click(QStringLiteral("removeFile0"));
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("emptyDropZone")));
+    EXPECT_FALSE(driver->shows(QStringLiteral("setupRight")));
+}
+
+TEST_F(SetupPageInWindow, filesAreRemovedByTheKeyboardWhichGoesOnToTheNext) {
+    launch();
+    drop({givenFile("a.wav"), givenFile("b.wav"), givenFile("c.wav")});
+    tabTo(QStringLiteral("removeFile1"));
+    driver->press(Qt::Key_Space);
+    EXPECT_THAT(fileNames(), ElementsAre("a.wav", "c.wav"));
+    EXPECT_EQ(driver->focusedName(), QStringLiteral("removeFile1"));
+    tabTo(QStringLiteral("clearAllButton"));
+    driver->press(Qt::Key_Return);
+    EXPECT_THAT(fileNames(), IsEmpty());
+    EXPECT_EQ(driver->focusedName(), QStringLiteral("browseButton"));
+}
+
+TEST_F(SetupPageInWindow, theModeStaysWhenTheSourceChangesAndAuditHasItsButton) {
+    launch();
+    drop({givenFile("a.wav")});
+    driver->click(QStringLiteral("mode3"));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("Start Audit")));
+    driver->click(QStringLiteral("resolveTab"));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("DaVinci Resolve not detected")));
+    EXPECT_FALSE(driver->shows(QStringLiteral("setupRight")));
+    driver->click(QStringLiteral("filesTab"));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("Start Audit")));
+    EXPECT_EQ(flow().selectedMode(), MiningMode::audit);
 }

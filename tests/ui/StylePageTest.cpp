@@ -85,3 +85,38 @@ TEST_F(StylePageInWindow, aPageThatComesBeginsAtItsTop) {
     EXPECT_EQ(driver->find(QStringLiteral("styleScroll"))->property("contentY").toDouble(), 0.0);
     EXPECT_EQ(driver->focusedName(), QStringLiteral("actionButton"));
 }
+
+TEST_F(StylePageInWindow, everyChoiceByTheMouseAlone) {
+    launchOnStyle();
+    driver->resize(1100, 1250);
+    const auto* preset = driver->find(QStringLiteral("preset7"));
+    EXPECT_FALSE(preset->property("isHovered").toBool());
+    driver->hover(QStringLiteral("preset7"));
+    EXPECT_TRUE(preset->property("isHovered").toBool());
+    driver->click(QStringLiteral("preset7"));
+    EXPECT_EQ(flow().selectedPresetId(), "portrait");
+    EXPECT_EQ(flow().styleSliders().silence, 0.65);
+    driver->click(QStringLiteral("preset7"));
+    EXPECT_EQ(flow().selectedPresetId(), std::nullopt);
+    EXPECT_EQ(flow().styleSliders().silence, 0.65);
+    driver->click(QStringLiteral("fineTuneToggle"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("slidersSection")));
+    runEventLoop(std::chrono::milliseconds(250)); // the drawer opens
+    const auto* slider = driver->find(QStringLiteral("slider0"));
+    const auto from = slider->mapToScene(QPointF(9 + 0.3 * (slider->width() - 18), slider->height() / 2)).toPoint();
+    driver->drag(from, QPoint(static_cast<int>(slider->width()), 0));
+    EXPECT_EQ(flow().styleSliders().pace, 1.0);
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("100%")));
+    driver->click(QStringLiteral("fineTuneToggle"));
+    EXPECT_TRUE(driver->waitUntilGone(QStringLiteral("slidersSection")));
+    driver->click(QStringLiteral("magicModeCard"));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("ON")));
+}
+
+TEST_F(StylePageInWindow, withNeitherNotesNorPresetTheMiningCanBeStarted) {
+    launchOnStyle();
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("Start Mining")));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("~5 min · ~8 segments"))); // 300 s of 35 s each
+    driver->press(Qt::Key_Return);
+    thenStepIs(MineStep::processing);
+}

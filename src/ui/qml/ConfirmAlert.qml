@@ -63,12 +63,10 @@ Controls.Popup {
             radius: 16
             offsetY: 6
         }
-        Rectangle {
+        CardSurface {
             anchors.fill: parent
-            radius: Theme.radiusMd
-            color: Theme.cardBg
-            border.width: Hairline.width(Screen.devicePixelRatio)
-            border.color: Theme.border
+            cornerRadius: Theme.radiusMd
+            borderTop: Theme.border
         }
     }
 
@@ -77,6 +75,11 @@ Controls.Popup {
         Accessible.role: Accessible.AlertMessage
         Accessible.name: alert.title
         Accessible.description: alert.message
+        PixelPickaxeView {
+            anchors.horizontalCenter: parent.horizontalCenter
+            size: 40
+        }
+        Item { width: 1; height: Theme.spacing2 }
         Controls.Label {
             width: parent.width
             text: alert.title
@@ -96,7 +99,7 @@ Controls.Popup {
         Item { width: 1; height: Theme.spacing8 }
         Row {
             width: parent.width
-            spacing: Theme.spacing8
+            spacing: Theme.spacing12
             SecondaryButtonStyle {
                 id: keepButton
                 objectName: "keepButton"
@@ -108,8 +111,12 @@ Controls.Popup {
                 text: alert.keepText
                 onClicked: alert.close()
             }
+            // Filled, so that nobody takes it for the harmless one.
             DestructiveButtonStyle {
                 objectName: "proceedButton"
+                fill: down ? Qt.darker(Theme.error, 1.15) : Theme.error
+                textColor: "white"
+                textWeight: Font.DemiBold
                 width: (parent.width - parent.spacing) / 2
                 implicitHeight: 40
                 leftPadding: 8

@@ -6,6 +6,9 @@ Rectangle {
     id: track
 
     required property real progress
+    /// What the bar shows: it glides to each progress, and follows the window's width at once.
+    property real shown: Math.max(0, Math.min(1, progress))
+    Behavior on shown { NumberAnimation { duration: 500; easing.type: Easing.InOutQuad } }
 
     implicitHeight: 6
     radius: 5
@@ -25,7 +28,7 @@ Rectangle {
     Rectangle {
         id: bar
         objectName: "progressBar"
-        width: track.width * Math.max(0, Math.min(1, track.progress))
+        width: track.width * track.shown
         height: parent.height
         radius: 5
         gradient: Gradient {
@@ -33,6 +36,5 @@ Rectangle {
             GradientStop { position: 0; color: Theme.torchGlow }
             GradientStop { position: 1; color: Theme.accent }
         }
-        Behavior on width { NumberAnimation { duration: 500; easing.type: Easing.InOutQuad } }
     }
 }

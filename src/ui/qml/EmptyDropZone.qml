@@ -12,30 +12,9 @@ FocusScope {
     scale: isTargeted ? 1.01 : 1.0
     Behavior on scale { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
 
-    Rectangle {
+    DropFrame {
         anchors.fill: parent
-        radius: Theme.radiusMd
-        color: zone.isTargeted ? Theme.faded(Theme.accent, 0.04) : Theme.faded(Theme.surface, 0.5)
-    }
-    // A Rectangle knows no dashes.
-    Canvas {
-        id: border
-        anchors.fill: parent
-        readonly property real lineWidth: zone.isTargeted ? 1.5 : 1
-        readonly property color ink: zone.isTargeted ? Theme.accent : Theme.faded(Theme.border, 0.3)
-        onInkChanged: requestPaint()
-        onPaint: {
-            const context = getContext("2d");
-            context.reset();
-            context.strokeStyle = ink;
-            context.lineWidth = lineWidth;
-            context.setLineDash([8, 4]);
-            const edge = lineWidth / 2;
-            const corner = Theme.radiusMd - edge;
-            context.beginPath();
-            context.roundedRect(edge, edge, width - lineWidth, height - lineWidth, corner, corner);
-            context.stroke();
-        }
+        isTargeted: zone.isTargeted
     }
     Column {
         anchors.centerIn: parent

@@ -16,7 +16,7 @@ PlainButton {
     rightPadding: Theme.spacing24
     ringRadius: Theme.radiusMd
     scale: down ? 0.98 : 1.0
-    Behavior on scale { SpringAnimation { spring: 12; damping: 0.45; epsilon: 0.0005 } }
+    Behavior on scale { SpringAnimation { spring: 7.6; damping: 0.43; epsilon: 0.0005 } }
 
     background: Item {
         SoftShadow {

@@ -45,6 +45,7 @@ Item {
         elide: Text.ElideRight
         font: Theme.textFont(13)
         color: Theme.textMuted
+        visible: opacity > 0 // nobody is told of the fact of before
         Behavior on opacity { NumberAnimation { duration: 350; easing.type: Easing.InOutQuad } }
     }
     Fact {

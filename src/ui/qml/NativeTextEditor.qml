@@ -18,6 +18,17 @@ Controls.ScrollView {
     implicitHeight: 96
     contentWidth: availableWidth
 
+    Controls.ScrollBar.vertical: PageScrollBar {
+        parent: editor
+        x: editor.width - width
+        y: editor.topPadding
+        height: editor.availableHeight
+    }
+    Controls.ScrollBar.horizontal: PageScrollBar {
+        parent: editor
+        policy: Controls.ScrollBar.AlwaysOff
+    }
+
     // Only what differs is put in: the cursor stays where it is while the user types.
     onTextChanged: {
         if (area.text !== text)

@@ -59,6 +59,8 @@ PlainButton {
             wrapMode: Text.Wrap
             maximumLineCount: 3
             elide: Text.ElideRight
+            lineHeightMode: Text.FixedHeight
+            lineHeight: 12
             font: Theme.textFont(9)
             color: Theme.textMuted
         }

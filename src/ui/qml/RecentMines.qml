@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Window
 import Zuvo
 
@@ -83,14 +82,20 @@ Column {
                                     font: Theme.textFont(11)
                                     color: Theme.faded(Theme.textMuted, 0.7)
                                 }
+                                readonly property real room: parent.width - counted.width - target.width - 2 * spacing
                                 Detail {
+                                    id: counted
                                     text: row.countText
                                     color: row.hasResults ? Theme.faded(Theme.success, 0.8)
                                                           : Theme.faded(Theme.textMuted, 0.7)
                                 }
-                                Detail { text: row.targetText }
                                 Detail {
-                                    width: Math.max(0, Math.min(implicitWidth, details.parent.width - x))
+                                    id: target
+                                    text: row.targetText
+                                }
+                                Detail {
+                                    visible: text !== "" && details.room >= Theme.spacing24
+                                    width: Math.min(implicitWidth, details.room)
                                     elide: Text.ElideRight
                                     text: row.presetId
                                 }

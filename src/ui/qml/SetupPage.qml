@@ -89,6 +89,17 @@ FocusScope {
                     setup.handleDrop(drop.urls);
                 }
             }
+            // Around the files, while more are held over them.
+            DropFrame {
+                objectName: "dropFrame"
+                anchors.fill: parent
+                anchors.margins: -Theme.spacing12
+                anchors.topMargin: -Theme.spacing8
+                isTargeted: true
+                visible: setup.hasFiles && opacity > 0
+                opacity: page.isDropTargeted ? 1 : 0
+                Behavior on opacity { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
+            }
             EmptyDropZone {
                 id: emptyZone
                 objectName: "emptyDropZone"

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Zuvo
 
 /// Presets, a reference, and the sliders behind a toggle.

@@ -31,6 +31,7 @@ FocusScope {
             choose(to);
         list.positionViewAtIndex(to, ListView.Contain);
     }
+    function chooseNone() { firstChosen = lastChosen = -1; }
     function logColor(name) {
         switch (name) {
         case "accent": return Theme.accent;
@@ -91,7 +92,7 @@ FocusScope {
         Accessible.name: "Log"
         ScrollBar.vertical: PageScrollBar { }
 
-        header: Item { width: 1; height: Theme.spacing6 }
+        header: Item { width: 1; height: Theme.spacing16 }
         delegate: Item {
             id: row
             required property int index
@@ -134,7 +135,7 @@ FocusScope {
         }
         footer: Item {
             width: 1
-            height: 20 + Theme.spacing16
+            height: 20 + Theme.spacing16 - list.anchors.bottomMargin
             Text {
                 objectName: "cursor"
                 x: Theme.spacing16
@@ -168,25 +169,6 @@ FocusScope {
             }
             event.accepted = true;
         }
-        TapHandler {
-            acceptedModifiers: Qt.NoModifier
-            onTapped: point => list.tapped(point.position, false)
-        }
-        TapHandler {
-            acceptedModifiers: Qt.ShiftModifier
-            onTapped: point => list.tapped(point.position, true)
-        }
-        function tapped(place, extends_) {
-            list.forceActiveFocus(Qt.MouseFocusReason);
-            const row = list.indexAt(place.x, place.y + list.contentY);
-            if (row < 0)
-                terminal.firstChosen = terminal.lastChosen = -1;
-            else if (extends_)
-                terminal.extendTo(row);
-            else
-                terminal.choose(row);
-        }
-
         NumberAnimation {
             id: scrolling
             target: list
@@ -195,25 +177,72 @@ FocusScope {
             easing.type: Easing.InOutQuad
             onFinished: list.positionViewAtEnd() // rows that came into sight may be higher than was thought
         }
-        /// Down to the cursor. Over a long way it jumps: rows that pass by unread need not be made.
+        /// Down to the cursor. Of a long way only the last two screens are shown: rows that would pass by unread need
+        /// not be made.
         function scrollToCursor() {
-            if (count === 0) {
-                terminal.firstChosen = terminal.lastChosen = -1;
+            if (count === 0)
                 return;
-            }
             scrolling.stop();
             const before = contentY;
             positionViewAtEnd();
             const end = contentY;
-            if (end - before <= 0 || end - before > 2 * height)
+            if (end <= before)
                 return;
-            contentY = before;
-            scrolling.from = before;
+            contentY = Math.max(before, end - 2 * height);
+            scrolling.from = contentY;
             scrolling.to = end;
             scrolling.start();
         }
         onCountChanged: Qt.callLater(scrollToCursor) // qmllint disable
         onHeightChanged: Qt.callLater(positionViewAtEnd) // qmllint disable
         Component.onCompleted: Qt.callLater(positionViewAtEnd) // qmllint disable
+        Connections {
+            target: list.model
+            function onModelReset() { terminal.chooseNone(); }
+        }
+    }
+    // The pointer chooses lines, by a click or by a drag; it turns the list by wheel and bar. A finger drags the list.
+    MouseArea {
+        id: pointer
+        anchors.fill: list
+        anchors.rightMargin: Theme.spacing12
+        preventStealing: true
+
+        function rowAt(y) {
+            const row = list.indexAt(width / 2, y + list.contentY);
+            return row >= 0 ? row : y + list.contentY < list.originY + Theme.spacing16 ? 0 : list.count - 1;
+        }
+        function dragTo(y) {
+            if (list.count === 0)
+                return;
+            if (y < 0 || y > height) {
+                const by = y < 0 ? y : y - height;
+                const lowest = list.originY + list.contentHeight - list.height;
+                list.contentY = Math.max(list.originY, Math.min(lowest, list.contentY + by));
+            }
+            terminal.extendTo(rowAt(Math.max(1, Math.min(height - 1, y))));
+        }
+        onPressed: mouse => {
+            if (mouse.source !== Qt.MouseEventNotSynthesized) {
+                mouse.accepted = false;
+                return;
+            }
+            list.forceActiveFocus(Qt.MouseFocusReason);
+            const row = list.indexAt(mouse.x, mouse.y + list.contentY);
+            if (row < 0)
+                terminal.chooseNone();
+            else if (mouse.modifiers & Qt.ShiftModifier)
+                terminal.extendTo(row);
+            else
+                terminal.choose(row);
+        }
+        onPositionChanged: mouse => dragTo(mouse.y)
+        // Held beyond an edge, the list goes on.
+        Timer {
+            interval: 50
+            repeat: true
+            running: pointer.pressed && (pointer.mouseY < 0 || pointer.mouseY > pointer.height)
+            onTriggered: pointer.dragTo(pointer.mouseY)
+        }
     }
 }

@@ -139,6 +139,15 @@ TEST_F(SetupPage, aRowSaysProbingAndThenWhatTheProbeFound) {
     EXPECT_THAT(shown(*page.files(), "sizeText"), ElementsAre("7 B"));
 }
 
+TEST_F(SetupPage, theSizeIsReadAgainWhenTheProbeHasReturned) {
+    const auto path = givenFile("A.wav", "200.0");
+    page.handleDrop({url(path)});
+    EXPECT_THAT(shown(*page.files(), "sizeText"), ElementsAre("7 B"));
+    disk.write("footage/A.wav", "footage that was still being copied"); // 35 letters
+    probed();
+    EXPECT_THAT(shown(*page.files(), "sizeText"), ElementsAre("35 B"));
+}
+
 TEST_F(SetupPage, afterAProbeThatFailedTheSizeStandsAloneAndTheFileStays) {
     page.handleDrop({url(disk.write("broken.wav", "abc"))});
     probed();

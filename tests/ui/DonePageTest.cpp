@@ -3,7 +3,9 @@
 
 #include <QColor>
 #include <QSet>
+#include <algorithm>
 #include <filesystem>
+#include <set>
 
 using namespace zuvo;
 using namespace zuvo::tests;
@@ -31,6 +33,48 @@ protected:
         for (int stop = 0; stop < mostStops && driver->focusedName() != name; ++stop)
             driver->press(Qt::Key_Tab);
         return driver->focusedName() == name;
+    }
+    /// Every block there is.
+    void showAllBlocks() {
+        launch();
+        givenFootage("A.wav", "1800.0");
+        givenVersion(2, 3, {QDate(2026, 11, 8), QTime(9, 5)});
+        givenVersion(10, 11, {QDate(2026, 11, 18), QTime(17, 42)});
+        flow().setMagicMode(true);
+        pipeline().setResults(lighthouseStory());
+        pipeline().setLastExportDir(exportFolder);
+        show(MineStep::done, QStringLiteral("buildButton"));
+    }
+    [[nodiscard]] QRectF placeOf(const QString& name) {
+        const auto* item = driver->find(name);
+        return item == nullptr ? QRectF() : item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+    }
+    /// Where all the items of that name are.
+    [[nodiscard]] std::vector<QRectF> placesOf(const QString& name) {
+        std::vector<QRectF> places;
+        for (const auto* item : driver->shownItems()) {
+            if (item->objectName() == name)
+                places.push_back(item->mapRectToScene(QRectF(0, 0, item->width(), item->height())));
+        }
+        return places;
+    }
+    [[nodiscard]] std::ptrdiff_t buildRuns() const {
+        return std::count_if(tools->requests.begin(), tools->requests.end(), [](const ProcessRequest& request) {
+            return request.program.ends_with("python3") && request.keepsError;
+        });
+    }
+    void showOneAct(const std::vector<std::string>& chapters) {
+        MiningResults story;
+        Act act{"Act 1: The Light Was For Others", {}};
+        for (std::size_t index = 0; index < chapters.size(); ++index) {
+            StorySegment moment;
+            moment.index = static_cast<std::int64_t>(index);
+            moment.chapter = chapters[index];
+            story.segments.push_back(moment);
+            act.segments.push_back(moment.index);
+        }
+        story.structure.acts = {act};
+        pipeline().setResults(story);
     }
 };
 
@@ -69,6 +113,74 @@ TEST_F(DoneWindow, blocksShowWhatThereIsToTell) {
         EXPECT_TRUE(driver->showsText(QString::fromUtf8(text))) << text;
 }
 
+TEST_F(DoneWindow, theBlocksStandInTheirOrderInOneWidth) {
+    showAllBlocks();
+    struct Row {
+        QSize window;
+        double width;
+    };
+    // At the least width the column leaves 32 on either side, beside a sidebar of 220 and its line.
+    for (const auto& row : {Row{{1100, 1900}, 640.0}, Row{{2560, 1440}, 640.0}, Row{{900, 600}, 615.0}}) {
+        driver->resize(row.window.width(), row.window.height());
+        QRectF before;
+        for (const auto* name :
+             {"celebration", "timeSavedCard", "buildBlock", "magicExplanation", "storyPreview", "statsCard",
+              "mineVersionHistory", "exportOptions", "rateSection", "navigationButtons"}) {
+            const auto place = placeOf(QString::fromUtf8(name));
+            EXPECT_EQ(place.width(), row.width) << name << " at " << row.window.width();
+            if (!before.isNull()) {
+                EXPECT_EQ(place.left(), before.left()) << name;
+                EXPECT_NEAR(place.top() - before.bottom(), 24.0, 0.01) << name;
+            }
+            before = place;
+        }
+    }
+}
+
+TEST_F(DoneWindow, numbersLineUp) {
+    showAllBlocks();
+    driver->resize(1100, 1900);
+    const auto values = placesOf(QStringLiteral("tileValue"));
+    ASSERT_EQ(values.size(), 4U);
+    for (const auto& value : values) {
+        EXPECT_EQ(value.top(), values.front().top());
+        EXPECT_EQ(value.width(), values.front().width());
+    }
+    const auto counts = placesOf(QStringLiteral("versionSegments"));
+    const auto dates = placesOf(QStringLiteral("versionDate"));
+    ASSERT_EQ(counts.size(), 2U);
+    ASSERT_EQ(dates.size(), 2U);
+    EXPECT_EQ(counts[0].left(), counts[1].left()); // of v2 and v10
+    EXPECT_EQ(dates[0].right(), dates[1].right());
+}
+
+TEST_F(DoneWindow, anActShowsTwoRowsOfChipsAtMostAndCountsTheRest) {
+    launch();
+    show(MineStep::done, QStringLiteral("buildButton"));
+    std::vector<std::string> chapters;
+    for (const auto* chapter : {"The Keeper", "A", "The Storm", "What Stayed", "The Light Now", "Of Boats", "Elsewhere",
+                                "The Longest Night of All", "Salt", "Bread", "Who Climbs Next", "Fog"}) {
+        chapters.emplace_back(chapter);
+        showOneAct(chapters);
+        for (const auto size : {QSize(1100, 1900), QSize(900, 1200)}) {
+            driver->resize(size.width(), size.height());
+            const auto chips = placesOf(QStringLiteral("chapterChip"));
+            const auto rest = placesOf(QStringLiteral("moreChapters"));
+            std::set<double> rows;
+            for (const auto& chip : chips)
+                rows.insert(chip.top());
+            for (const auto& chip : rest)
+                rows.insert(chip.top());
+            EXPECT_LE(rows.size(), 2U) << chapters.size() << " chapters";
+            EXPECT_EQ(rest.empty(), chips.size() == chapters.size());
+            if (!rest.empty()) {
+                EXPECT_TRUE(driver->showsText(QStringLiteral("+%1").arg(chapters.size() - chips.size())));
+            }
+        }
+    }
+    EXPECT_FALSE(placesOf(QStringLiteral("moreChapters")).empty());
+}
+
 TEST_F(DoneWindow, theBuildTellsItsOutcomeBeneathTheButton) {
     showDone();
     givenBuildPrints("SUCCESS:11/11 clips appended");
@@ -83,6 +195,47 @@ TEST_F(DoneWindow, theBuildTellsItsOutcomeBeneathTheButton) {
     driver->click(QStringLiteral("buildButton"));
     ASSERT_TRUE(driver->waitForText(QStringLiteral("✗ Resolve is closed")));
     EXPECT_EQ(driver->find(QStringLiteral("buildStatus"))->property("color").value<QColor>(), QColor(0xe8, 0x44, 0x0a));
+}
+
+TEST_F(DoneWindow, aBuildThatTheReviewBeganIsToldAndAPressStartsASecondOne) {
+    launch();
+    driver->resize(1100, 1900);
+    pipeline().setResults(lighthouseStory());
+    givenBuildPrints("SUCCESS:11/11 clips appended");
+    tools->hold();
+    const auto before = buildRuns();
+    flow().sendToResolve(lighthouseStory().segments);
+    show(MineStep::done, QStringLiteral("buildButton"));
+    ASSERT_TRUE(waitUntil([this, before] { return buildRuns() == before + 1; }));
+    EXPECT_EQ(textOf(QStringLiteral("buildButton")), QStringLiteral("Build Timeline in Resolve"));
+    EXPECT_FALSE(driver->shows(QStringLiteral("buildStatus")));
+    driver->click(QStringLiteral("buildButton"));
+    EXPECT_EQ(textOf(QStringLiteral("buildButton")), QStringLiteral("Building in Resolve..."));
+    ASSERT_TRUE(waitUntil([this, before] { return buildRuns() == before + 2; }));
+    driver->click(QStringLiteral("buildButton"));
+    tools->release();
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("✓ 11/11 clips appended")));
+    EXPECT_EQ(textOf(QStringLiteral("buildButton")), QStringLiteral("Build Timeline in Resolve"));
+    EXPECT_EQ(buildRuns(), before + 2);
+}
+
+TEST_F(DoneWindow, comingBackFromTheReviewStartsTheStatusAfreshWhileTheBuildsResultStays) {
+    launch();
+    driver->resize(1100, 1900);
+    pipeline().setResults(lighthouseStory());
+    pipeline().setLastExportDir(world.disk().write("home/a-file", "no folder"));
+    givenBuildPrints("SUCCESS:11/11 clips appended");
+    runToEnd(pipeline().buildTimelineFromSegmentsFile());
+    show(MineStep::done, QStringLiteral("buildButton"));
+    EXPECT_EQ(textOf(QStringLiteral("buildStatus")), QStringLiteral("✓ 11/11 clips appended"));
+    driver->click(QStringLiteral("storyExportButton2"));
+    EXPECT_TRUE(textOf(QStringLiteral("buildStatus")).startsWith(QStringLiteral("EDL export failed: ")));
+    EXPECT_EQ(flow().currentStep(), MineStep::done);
+    driver->click(QStringLiteral("backToReviewButton"));
+    ASSERT_TRUE(driver->waitUntilGone(QStringLiteral("buildButton")));
+    show(MineStep::done, QStringLiteral("buildButton"));
+    EXPECT_EQ(textOf(QStringLiteral("buildStatus")), QStringLiteral("✓ 11/11 clips appended"));
+    EXPECT_EQ(textOf(QStringLiteral("buildButton")), QStringLiteral("Build Timeline in Resolve"));
 }
 
 TEST_F(DoneWindow, exportsAreOpenedAndMadeByTheMouse) {
@@ -155,4 +308,42 @@ TEST_F(DoneWindow, aControlThatTheKeyboardReachesComesIntoView) {
     ASSERT_NE(button, nullptr);
     const auto bottom = button->mapToScene(QPointF(0, button->height())).y();
     EXPECT_LE(bottom, driver->window().height());
+}
+
+TEST_F(DoneWindow, thePageScrollsByItsKeys) {
+    showAllBlocks();
+    driver->resize(900, 600);
+    const auto atRest = placeOf(QStringLiteral("pageColumn")).top();
+    const auto topBecomes = [this](double top) {
+        return waitUntil([this, top] { return placeOf(QStringLiteral("pageColumn")).top() == top; });
+    };
+    ASSERT_TRUE(tabTo(QStringLiteral("buildButton")));
+    driver->press(Qt::Key_Home);
+    EXPECT_TRUE(topBecomes(atRest));
+    driver->press(Qt::Key_Down);
+    EXPECT_TRUE(topBecomes(atRest - 48));
+    driver->press(Qt::Key_Down);
+    driver->press(Qt::Key_Down); // before the one before has come to its end
+    EXPECT_TRUE(topBecomes(atRest - 144));
+    driver->press(Qt::Key_Up);
+    EXPECT_TRUE(topBecomes(atRest - 96));
+    driver->press(Qt::Key_End);
+    EXPECT_TRUE(waitUntil([this] { return placeOf(QStringLiteral("pageColumn")).bottom() == 600.0 - 48.0; }));
+    driver->press(Qt::Key_PageUp);
+    driver->press(Qt::Key_PageDown);
+    EXPECT_TRUE(waitUntil([this] { return placeOf(QStringLiteral("pageColumn")).bottom() == 600.0 - 48.0; }));
+    driver->press(Qt::Key_Home);
+    EXPECT_TRUE(topBecomes(atRest));
+}
+
+TEST_F(DoneWindow, aPressOnAControlAtTheEdgeLeavesThePageWhereItStands) {
+    showAllBlocks();
+    driver->resize(1100, 1900);
+    const auto place = placeOf(QStringLiteral("exportFolderButton"));
+    // Its lower half lies below the window's edge.
+    driver->resize(1100, static_cast<int>(place.center().y()) + 4);
+    const auto before = placeOf(QStringLiteral("pageColumn")).top();
+    driver->click(QStringLiteral("exportFolderButton"));
+    EXPECT_EQ(placeOf(QStringLiteral("pageColumn")).top(), before);
+    EXPECT_THAT(world.desktop->files, ElementsAre(exportFolder));
 }

@@ -32,6 +32,7 @@ void ToldTools::release() {
 }
 
 QCoro::Task<ProcessOutcome> ToldTools::run(ProcessRequest request) {
+    requests.push_back(request);
     if (m_isHeld)
         co_await qCoro(this, &ToldTools::released);
     const auto rule =

@@ -28,6 +28,8 @@ public:
     void hold() { m_isHeld = true; }
     void release();
 
+    std::vector<ProcessRequest> requests;
+
 Q_SIGNALS:
     void released();
 

@@ -79,6 +79,7 @@ Item {
             model: act.shown
             Chip {
                 required property int index
+                objectName: "chapterChip"
                 width: act.chipWidths[index]
                 text: act.chapters[index]
                 ink: Theme.chapterGems[act.gems[index] % Theme.chapterGems.length]

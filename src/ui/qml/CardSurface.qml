@@ -13,12 +13,26 @@ Item {
     property color borderBottom: borderTop
     property real borderWidth: Hairline.width(Screen.devicePixelRatio)
 
+    readonly property bool isSeeThrough: fill.a < 1
+
+    // What lies beneath an opaque body is not seen, so that its border may be a whole card.
     Rectangle {
         anchors.fill: parent
+        visible: !surface.isSeeThrough
         radius: surface.cornerRadius
         gradient: Gradient {
             GradientStop { position: 0; color: surface.borderTop }
             GradientStop { position: 1; color: surface.borderBottom }
+        }
+    }
+    Loader {
+        anchors.fill: parent
+        active: surface.isSeeThrough
+        sourceComponent: GradientBorder {
+            lineWidth: surface.borderWidth
+            cornerRadius: surface.cornerRadius
+            topColor: surface.borderTop
+            bottomColor: surface.borderBottom
         }
     }
     Rectangle {

@@ -91,6 +91,7 @@ FocusScope {
             }
 
             Column {
+                objectName: "buildBlock"
                 width: column.width
                 spacing: Theme.spacing12
                 PrimaryButtonStyle {
@@ -222,6 +223,7 @@ FocusScope {
             }
 
             Section {
+                objectName: "exportOptions"
                 width: column.width
                 title: "EXPORT"
                 contentSpacing: Theme.spacing12
@@ -280,6 +282,7 @@ FocusScope {
             }
 
             Column {
+                objectName: "rateSection"
                 width: column.width
                 spacing: Theme.spacing12
                 Label {
@@ -310,6 +313,7 @@ FocusScope {
             }
 
             Column {
+                objectName: "navigationButtons"
                 width: column.width
                 spacing: Theme.spacing12
                 Row {

@@ -15,7 +15,14 @@ PlainButton {
     property bool isExpanded: false
     property bool isSelected: false
     property color starColor: "#FFD60A"
+    /// 0 closed, 1 open; on the way in between, both ways.
+    property real openness: isExpanded ? 1 : 0
+    property int duration: 200 ///< of the way, in ms
     signal selectTapped
+
+    Behavior on openness {
+        NumberAnimation { duration: card.duration; easing.type: Easing.InOutQuad }
+    }
 
     padding: Theme.spacing16
     ringRadius: 10
@@ -38,8 +45,8 @@ PlainButton {
         CardSurface {
             anchors.fill: parent
             cornerRadius: 10
-            // Thin material lets a little of the ground through.
-            fill: Qt.tint(Theme.background, Theme.faded(card.hovered ? Theme.surfaceHover : Theme.cardBg, 0.8))
+            // Thin material: the ground shines through.
+            fill: Theme.faded(card.hovered ? Theme.surfaceHover : Theme.cardBg, 0.6)
             sheen: null
             borderWidth: card.isSelected ? 1.5 : Hairline.width(Screen.devicePixelRatio)
             borderTop: card.isSelected ? Theme.faded(Theme.accent, 0.7) : Theme.faded(Theme.border, 0.4)
@@ -49,11 +56,8 @@ PlainButton {
 
     contentItem: Item {
         id: content
-        implicitHeight: head.height + (card.isExpanded ? Theme.spacing16 + details.height : 0)
-        clip: unfolding.running
-        Behavior on implicitHeight {
-            NumberAnimation { id: unfolding; duration: 200; easing.type: Easing.InOutQuad }
-        }
+        implicitHeight: head.height + card.openness * (Theme.spacing16 + details.height)
+        clip: card.openness > 0 && card.openness < 1
 
         Column {
             id: head
@@ -93,7 +97,8 @@ PlainButton {
                     }
                 }
             }
-            Row {
+            Flow {
+                width: parent.width
                 visible: card.stars > 0
                 spacing: Theme.spacing2
                 Repeater {
@@ -110,7 +115,9 @@ PlainButton {
             id: details
             y: head.height + Theme.spacing16
             width: parent.width
-            visible: card.isExpanded
+            visible: card.openness > 0
+            opacity: card.openness
+            enabled: card.isExpanded // nothing in it can be reached while it goes
             spacing: Theme.spacing12
             Rectangle {
                 width: parent.width

@@ -30,6 +30,7 @@ Rectangle {
     }
     Label {
         id: segmentsLabel
+        objectName: "versionSegments"
         anchors.left: versionLabel.right
         anchors.verticalCenter: parent.verticalCenter
         text: row.segments
@@ -55,6 +56,7 @@ Rectangle {
         }
     }
     Label {
+        objectName: "versionDate"
         anchors.right: parent.right
         anchors.rightMargin: Theme.spacing16
         anchors.verticalCenter: parent.verticalCenter

@@ -29,6 +29,7 @@ SolidCard {
         }
     }
     Label {
+        objectName: "tileValue"
         width: parent.width
         topPadding: Theme.spacing16
         text: tile.value

@@ -341,7 +341,7 @@ TEST_F(DoneWindow, aPressOnAControlAtTheEdgeLeavesThePageWhereItStands) {
     driver->resize(1100, 1900);
     const auto place = placeOf(QStringLiteral("exportFolderButton"));
     // Its lower half lies below the window's edge.
-    driver->resize(1100, static_cast<int>(place.center().y()) + 4);
+    driver->resize(1100, static_cast<int>(place.center().y()) + 12);
     const auto before = placeOf(QStringLiteral("pageColumn")).top();
     driver->click(QStringLiteral("exportFolderButton"));
     EXPECT_EQ(placeOf(QStringLiteral("pageColumn")).top(), before);

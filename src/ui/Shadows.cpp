@@ -12,6 +12,7 @@ namespace {
 
 constexpr int largestEdge = 1024; ///< a shape is a tile of a few corners: its edges are stretched
 constexpr double largestDeviation = 100.0;
+constexpr double largestRise = 100.0;
 
 /// The bell curve from -reach to reach, its sum 1.
 std::vector<float> bell(double deviation, int reach) {
@@ -44,16 +45,16 @@ void blurLines(std::vector<float>& values, const std::vector<float>& weights, in
     }
 }
 
-/// How much of each pixel the shape covers, 0 to 1.
-std::vector<float> coverage(const ShadowShape& shape, int reach, int width, int height) {
+/// How much of each pixel the shape covers, 0 to 1, if it lies that far up from the middle.
+std::vector<float> coverage(const ShadowShape& shape, int reach, int width, int height, double rise) {
     QImage mask(width, height, QImage::Format_Grayscale8);
     mask.fill(Qt::black);
     QPainter painter(&mask);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
-    painter.drawRoundedRect(reach, reach, shape.size.width(), shape.size.height(), shape.cornerRadius,
-                            shape.cornerRadius);
+    const QRectF place(QPointF(reach, reach - rise), QSizeF(shape.size));
+    painter.drawRoundedRect(place, shape.cornerRadius, shape.cornerRadius);
     painter.end();
     std::vector<float> values;
     values.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
@@ -70,15 +71,21 @@ std::vector<float> coverage(const ShadowShape& shape, int reach, int width, int 
 QImage shadowImage(const ShadowShape& shape) {
     if (shape.size.isEmpty() || shape.size.width() > largestEdge || shape.size.height() > largestEdge ||
         !(shape.deviation > 0.0) || shape.deviation > largestDeviation || !std::isfinite(shape.cornerRadius) ||
-        shape.cornerRadius < 0.0 || !shape.color.isValid())
+        shape.cornerRadius < 0.0 || !shape.color.isValid() ||
+        !(std::abs(shape.hollowRise.value_or(0.0)) <= largestRise))
         return {};
     const int reach = static_cast<int>(std::ceil(3.0 * shape.deviation));
     const int width = shape.size.width() + 2 * reach;
     const int height = shape.size.height() + 2 * reach;
-    auto values = coverage(shape, reach, width, height);
+    auto values = coverage(shape, reach, width, height, 0.0);
     const auto weights = bell(shape.deviation, reach);
     blurLines(values, weights, height, width, width, 1);
     blurLines(values, weights, width, 1, height, width);
+    if (shape.hollowRise) {
+        const auto hidden = coverage(shape, reach, width, height, *shape.hollowRise);
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] *= 1.0F - hidden[i];
+    }
 
     QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < height; ++y) {
@@ -97,13 +104,15 @@ QImage ShadowProvider::requestImage(const QString& id, QSize* size, const QSize&
     const auto parts = id.split(QLatin1Char('/'));
     constexpr int partCount = 4;
     ShadowShape shape;
-    if (parts.size() == partCount) {
+    if (parts.size() == partCount || parts.size() == partCount + 1) {
         const auto edges = parts[0].split(QLatin1Char('x'));
         if (edges.size() == 2)
             shape.size = QSize(edges[0].toInt(), edges[1].toInt());
         shape.cornerRadius = parts[1].toDouble();
         shape.deviation = parts[2].toDouble();
         shape.color = QColor(parts[3]);
+        if (parts.size() > partCount)
+            shape.hollowRise = parts[partCount].toDouble();
     }
     auto image = shadowImage(shape);
     if (size != nullptr)

@@ -284,5 +284,20 @@ TEST_F(GoldCardLook, theBorderLeavesTheInsideAlone) {
     const auto inside = edge(20);
     EXPECT_GT(top.red(), 140);               // the accent, 232 red, at 0.7
     EXPECT_GT(top.red(), bottom.red() + 40); // which fades to 0.3
-    EXPECT_LT(inside.red(), 60);             // the card, and a little of the shadow behind it
+    card->setProperty("isSelected", false);
+    EXPECT_EQ(colorAt(pictureOn(Qt::black), 160, 20), inside) << "nor is its shadow seen through it";
+}
+
+TEST_F(GoldCardLook, aCardThatIsCutOffShowsNoBorderBeyond) {
+    card->setProperty("isSelected", true);
+    auto* frame = view.rootObject();
+    card->setY(-20);
+    frame->setProperty("clip", true);
+    frame->setY(60); // as under the steps, when the page has been scrolled
+    const auto picture = driver->picture();
+    const double scale = picture.width() / 400.0;
+    for (int y = 0; y < 60; ++y) {
+        for (const double x : {40.5, 200.0, 359.0})
+            EXPECT_EQ(picture.pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale)), QColor(Qt::white));
+    }
 }

@@ -40,6 +40,7 @@ PlainButton {
             color: Theme.faded(Theme.accent, 0.2)
             radius: 8
             offsetY: 4
+            isHollow: true
             cornerRadius: 10
         }
         CardSurface {

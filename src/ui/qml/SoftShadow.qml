@@ -9,6 +9,7 @@ Item {
     property real radius: 16        ///< standard deviation of the blur
     property real cornerRadius: 18
     property real offsetY: 6        ///< downwards
+    property bool isHollow: false   ///< clear where the rectangle itself lies, for one that can be seen through
 
     readonly property int reach: Math.ceil(3 * radius)
     /// Farther in than this a corner is not felt: from there to the opposite corner the shadow's edge is even.
@@ -30,6 +31,7 @@ Item {
         }
         source: shadow.tileWidth > 0 && shadow.tileHeight > 0
                 ? `image://shadows/${shadow.tileWidth}x${shadow.tileHeight}/${shadow.cornerRadius}/${shadow.radius}/${shadow.color}`
+                  + (shadow.isHollow ? `/${shadow.offsetY}` : "")
                 : ""
     }
 }

@@ -148,3 +148,34 @@ TEST(Shadows, anIdThatIsNoneGivesNoImage) {
         EXPECT_TRUE(size.isEmpty()) << id;
     }
 }
+
+TEST(Shadows, aHollowShadowIsClearWhereTheShapeItselfLies) {
+    auto shape = shapeOf(60, 40);
+    const auto whole = shadowImage(shape);
+    shape.hollowRise = 4.0;
+    const auto hollow = shadowImage(shape);
+    ASSERT_EQ(hollow.size(), whole.size());
+    for (int y = 0; y < hollow.height(); ++y) {
+        for (int x = 0; x < hollow.width(); ++x) {
+            const bool isBeside = x < reach || x >= reach + 60 || y < reach - 4 || y >= reach + 40 - 4;
+            if (isBeside) {
+                EXPECT_EQ(alphaAt(hollow, x, y), alphaAt(whole, x, y)) << x << ", " << y;
+            }
+        }
+    }
+    const int middle = reach + 30;
+    EXPECT_EQ(alphaAt(hollow, middle, reach - 4), 0);  // the shape's first line
+    EXPECT_EQ(alphaAt(hollow, middle, reach + 35), 0); // and its last
+    EXPECT_GT(alphaAt(hollow, middle, reach + 36), 0); // beneath it the shadow is seen
+    EXPECT_EQ(alphaAt(hollow, reach, reach + 16), 0);
+    EXPECT_EQ(alphaAt(hollow, reach + 59, reach + 16), 0);
+}
+
+TEST(Shadows, aHollowShadowIsAskedForWithItsRise) {
+    auto shape = shapeOf(60, 40);
+    shape.hollowRise = 4.0;
+    EXPECT_EQ(requested("60x40/8/4/#c8c86432/4"), shadowImage(shape));
+    EXPECT_TRUE(requested("60x40/8/4/#c8c86432/1e9").isNull());
+    EXPECT_TRUE(requested("60x40/8/4/#c8c86432/nan").isNull());
+    EXPECT_TRUE(requested("60x40/8/4/#c8c86432/4/4").isNull());
+}

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace zuvo {
@@ -111,8 +112,11 @@ QImage ShadowProvider::requestImage(const QString& id, QSize* size, const QSize&
         shape.cornerRadius = parts[1].toDouble();
         shape.deviation = parts[2].toDouble();
         shape.color = QColor(parts[3]);
-        if (parts.size() > partCount)
-            shape.hollowRise = parts[partCount].toDouble();
+        if (parts.size() > partCount) {
+            bool isNumber = false;
+            const auto rise = parts[partCount].toDouble(&isNumber);
+            shape.hollowRise = isNumber ? rise : std::numeric_limits<double>::quiet_NaN();
+        }
     }
     auto image = shadowImage(shape);
     if (size != nullptr)

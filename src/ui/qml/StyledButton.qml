@@ -30,7 +30,7 @@ PlainButton {
 
     Behavior on scale {
         // response 0.25 s, damping fraction 0.7
-        SpringAnimation { spring: 12; damping: 0.45; epsilon: 0.0005 }
+        SpringAnimation { spring: 7.6; damping: 0.43; epsilon: 0.0005 }
     }
     Behavior on sunk { NumberAnimation { duration: 150; easing.type: Easing.InOutQuad } }
 

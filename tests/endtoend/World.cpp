@@ -22,7 +22,7 @@ std::vector<std::string> Ending::log() const {
     return lines;
 }
 
-Running::Running(const QProcessEnvironment& environment, const std::string& workingFolder,
+Running::Running(const std::string& program, const QProcessEnvironment& environment, const std::string& workingFolder,
                  const std::vector<std::string>& words) {
     QStringList arguments;
     for (const auto& word : words)
@@ -34,7 +34,7 @@ Running::Running(const QProcessEnvironment& environment, const std::string& work
                      [this] { m_output += m_process.readAllStandardOutput(); });
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
                      [this] { m_errors += m_process.readAllStandardError(); });
-    m_process.start(QStringLiteral(ZUVO_PROGRAM), arguments);
+    m_process.start(QString::fromStdString(program), arguments);
 }
 
 Running::~Running() {
@@ -136,7 +136,7 @@ std::vector<Json> World::resolveCalls() const {
 }
 
 std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) const {
-    return std::make_unique<Running>(environment, workingFolder, words);
+    return std::make_unique<Running>(program, environment, workingFolder, words);
 }
 
 bool exists(const std::string& path) {

@@ -54,6 +54,23 @@ class LinkTest(unittest.TestCase):
                 self.assertGreater(len(words.split()), 3, document.name)
 
 
+class ArchitectureTest(unittest.TestCase):
+    def test_the_table_of_folders_names_every_folder_and_no_other(self) -> None:
+        table = (ROOT / "docs/architecture.md").read_text().split("## Folders")[1].split("\n## ")[0]
+        named = set(re.findall(r"^\| `([a-z]+(?:/[a-z]+)?)/` \|", table, re.MULTILINE))
+        kept = subprocess.run(["git", "-C", ROOT, "ls-files"], capture_output=True, text=True, check=False).stdout
+        if not kept:
+            self.skipTest("not a working tree of git")
+        # Of these folders the table names each one within.
+        parted = ("src", "tools", "resources")
+        there = set()
+        for file in kept.splitlines():
+            parts = file.split("/")
+            if len(parts) > 1 and not parts[0].startswith("."):
+                there.add("/".join(parts[:2]) if parts[0] in parted and len(parts) > 2 else parts[0])
+        self.assertEqual(named, there - {"docs"})
+
+
 class CommandTest(unittest.TestCase):
     def test_every_part_of_the_tests_that_a_document_names_is_told_by_their_help(self) -> None:
         usage = subprocess.run([ROOT / "test", "--help"], capture_output=True, text=True, check=True).stdout

@@ -130,6 +130,7 @@ std::map<std::string, TroubleTest::Story> TroubleTest::stories() {
         {"Python is not installed",
          [](TroubleTest& test) {
              test.givenNoTools();
+             test.values["the system's words"] = "execve: No such file or directory";
              test.world.folder.write("home/Library/Caches/ZuvoManager/segments.json", "[]");
              test.run({"build"});
          }},

@@ -113,9 +113,9 @@ void World::set(const std::string& variable, const std::string& value) {
     environment.insert(QString::fromStdString(variable), QString::fromStdString(value));
 }
 
-void World::writePythonCustomisation(const std::string& program) const {
+void World::writePythonCustomisation(const std::string& script) const {
     static const std::string below = pythonModulesBelowBase();
-    folder.write("python/" + below + "/usercustomize.py", program);
+    folder.write("python/" + below + "/usercustomize.py", script);
 }
 
 void World::givenResolve(const Json& resolve) {

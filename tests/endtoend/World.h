@@ -85,7 +85,7 @@ public:
 
 private:
     /// Python runs this before a script, since it lies in the user's own folder of modules.
-    void writePythonCustomisation(const std::string& program) const;
+    void writePythonCustomisation(const std::string& script) const;
 };
 
 [[nodiscard]] bool exists(const std::string& path);

@@ -176,8 +176,13 @@ class InstallTest(unittest.TestCase):
         return {"PATH": f"{self.place}/bin:/usr/bin:/bin", "HOME": str(home), "TMPDIR": str(home / "temporary"),
                 "LANG": "C.UTF-8"}
 
-    def page(self, name: str) -> Path:
-        return self.place / f"share/man/man1/{name}.1.gz"
+    def page(self, name: str) -> str:
+        return gzip.decompress((self.place / f"share/man/man1/{name}.1.gz").read_bytes()).decode()
+
+    def set_page(self, name: str) -> subprocess.CompletedProcess:
+        """By groff itself, since a "man" that only says that it was left out is on many small machines. -ww: all it can
+        find wrong."""
+        return run("groff", "-man", "-ww", "-Tascii", "-P-c", "-P-b", "-P-u", "-rLL=200n", input=self.page(name))
 
     def test_everything_lands_in_its_place(self) -> None:
         for file in ("bin/ZuvoManager", "bin/zuvo", "bin/zuvo-standin", "share/zuvo-manager/plugin/manifest.json",
@@ -192,15 +197,14 @@ class InstallTest(unittest.TestCase):
 
     def test_each_program_has_a_manual_page_that_is_set_without_a_warning(self) -> None:
         for name in PROGRAMS:
-            environment = os.environ | {"LC_ALL": "C.UTF-8", "MANROFFSEQ": "", "MANWIDTH": "100"}
-            page = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", str(self.page(name)), env=environment)
+            page = self.set_page(name)
             self.assertEqual((page.returncode, page.stderr), (0, ""), name)
-            self.assertIn(f'"{name} {project_version()}"', gzip.decompress(self.page(name).read_bytes()).decode())
+            self.assertIn("EXIT STATUS", page.stdout)
+            self.assertIn(f'"{name} {project_version()}"', self.page(name))
 
     def test_the_manual_page_knows_every_option_of_the_help(self) -> None:
-        environment = self.environment() | {"MANWIDTH": "200", "LC_ALL": "C.UTF-8"}
-        page = run("man", "-P", "cat", "-l", str(self.page("zuvo")), env=environment).stdout
-        told = run(str(self.place / "bin/zuvo"), "--help", env=environment).stdout
+        page = self.set_page("zuvo").stdout
+        told = run(str(self.place / "bin/zuvo"), "--help", env=self.environment()).stdout
         options = set(re.findall(r"--[a-z][a-z-]*", told))
         self.assertGreater(len(options), 12)
         for option in options:

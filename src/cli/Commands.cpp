@@ -6,6 +6,7 @@
 #include "cli/Export.h"
 #include "cli/Interrupts.h"
 #include "cli/Streams.h"
+#include "model/Constants.h"
 #include "platform/FileSystem.h"
 #include "platform/MineLock.h"
 #include "platform/ServiceAddresses.h"
@@ -205,7 +206,7 @@ struct Carrier {
     }
 
     ExitStatus operator()(const VersionCommand& /*command*/) const {
-        print("zuvo " ZUVO_VERSION "\n");
+        print(std::string("zuvo ") + Constants::App::version + "\n");
         return ExitStatus::complete;
     }
 

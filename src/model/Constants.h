@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/ServiceHost.h"
+#include "model/Version.h"
 
 /// The fixed values of the application.
 namespace zuvo::Constants {
@@ -16,7 +17,7 @@ inline constexpr const char* billingURL = "https://" ZUVO_SERVICE_HOST "/billing
 } // namespace API
 
 namespace App {
-inline constexpr const char* version = "1.0.0";
+inline constexpr const char* version = ZUVO_VERSION;
 inline constexpr const char* pluginVersion = "0.1.0-beta";
 inline constexpr const char* bundleIdentifier = "com.tarnwick.zuvo-manager";
 inline constexpr const char* minResolveVersion = "18";

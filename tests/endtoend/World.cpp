@@ -22,7 +22,7 @@ std::vector<std::string> Ending::log() const {
     return lines;
 }
 
-Running::Running(const QProcessEnvironment& environment, const std::string& workingFolder,
+Running::Running(const std::string& program, const QProcessEnvironment& environment, const std::string& workingFolder,
                  const std::vector<std::string>& words) {
     QStringList arguments;
     for (const auto& word : words)
@@ -34,7 +34,7 @@ Running::Running(const QProcessEnvironment& environment, const std::string& work
                      [this] { m_output += m_process.readAllStandardOutput(); });
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
                      [this] { m_errors += m_process.readAllStandardError(); });
-    m_process.start(QStringLiteral(ZUVO_PROGRAM), arguments);
+    m_process.start(QString::fromStdString(program), arguments);
 }
 
 Running::~Running() {
@@ -113,9 +113,9 @@ void World::set(const std::string& variable, const std::string& value) {
     environment.insert(QString::fromStdString(variable), QString::fromStdString(value));
 }
 
-void World::writePythonCustomisation(const std::string& program) const {
+void World::writePythonCustomisation(const std::string& script) const {
     static const std::string below = pythonModulesBelowBase();
-    folder.write("python/" + below + "/usercustomize.py", program);
+    folder.write("python/" + below + "/usercustomize.py", script);
 }
 
 void World::givenResolve(const Json& resolve) {
@@ -136,7 +136,7 @@ std::vector<Json> World::resolveCalls() const {
 }
 
 std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) const {
-    return std::make_unique<Running>(environment, workingFolder, words);
+    return std::make_unique<Running>(program, environment, workingFolder, words);
 }
 
 bool exists(const std::string& path) {

@@ -33,7 +33,7 @@ struct Ending {
 /// The program while it runs.
 class Running {
 public:
-    Running(const QProcessEnvironment& environment, const std::string& workingFolder,
+    Running(const std::string& program, const QProcessEnvironment& environment, const std::string& workingFolder,
             const std::vector<std::string>& words);
     ~Running();
     Running(const Running&) = delete;
@@ -62,6 +62,7 @@ public:
     tests::TemporaryFolder folder;
     QProcessEnvironment environment;
     std::string workingFolder = folder.path(); ///< the program is started in it
+    std::string program = ZUVO_PROGRAM;        ///< the real one
 
     [[nodiscard]] std::string home() const { return folder / "home"; }
     [[nodiscard]] std::string temporary() const { return folder / "temporary"; }
@@ -84,7 +85,7 @@ public:
 
 private:
     /// Python runs this before a script, since it lies in the user's own folder of modules.
-    void writePythonCustomisation(const std::string& program) const;
+    void writePythonCustomisation(const std::string& script) const;
 };
 
 [[nodiscard]] bool exists(const std::string& path);

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "standin/AccountPages.h"
+#include "standin/OwnFiles.h"
 
 #include <QFile>
 #include <QString>
@@ -121,7 +122,7 @@ Answer AccountService::giveArchive() const {
     const Headers headers{{"Content-Type", "application/zip"}};
     if (m_archive)
         return {200, *m_archive, headers};
-    QFile file(QStringLiteral(ZUVO_PLUGIN_ARCHIVE));
+    QFile file(ownPluginArchive());
     if (!file.open(QIODevice::ReadOnly))
         return accountError(500, "The plugin archive is not there: " + file.errorString().toStdString());
     return {200, file.readAll().toStdString(), headers};

@@ -2,6 +2,7 @@
 
 #include "standin/HttpFront.h"
 #include "standin/MessagesService.h"
+#include "standin/OwnFiles.h"
 #include "standin/TranscriptionService.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ Answer plainError(Service service, int status) {
 } // namespace
 
 QString StandIn::defaultSampleFolder() {
-    return QStringLiteral(ZUVO_SAMPLE_FOLDER);
+    return ownSampleFolder();
 }
 
 StandIn::StandIn(const QString& sampleFolder, QObject* parent)

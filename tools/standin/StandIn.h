@@ -23,7 +23,7 @@ class StandIn : public QObject {
     Q_OBJECT
 
 public:
-    /// The sample interview's folder as it was at build time.
+    /// The sample interview's folder, installed beside the program or in the sources (OwnFiles.h).
     [[nodiscard]] static QString defaultSampleFolder();
 
     explicit StandIn(const QString& sampleFolder = defaultSampleFolder(), QObject* parent = nullptr);

@@ -1,4 +1,5 @@
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QTcpSocket>
 #include <csignal>
@@ -102,6 +103,58 @@ TEST_F(Program, wrongUsageEndsWithTwoAndSaysWhy) {
         EXPECT_EQ(finish(), 2) << arguments.join(QLatin1Char(' ')).toStdString();
         EXPECT_TRUE(m_process.readAllStandardError().startsWith("zuvo-standin: "));
     }
+}
+
+TEST_F(Program, aCommandGetsTheAddressesAndMadeUpKeysAndItsStatusIsTheStandIns) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("ANTHROPIC_API_KEY"), QStringLiteral("the-callers-own"));
+    m_process.setProcessEnvironment(environment);
+    start({QStringLiteral("--"), QStringLiteral("/bin/sh"), QStringLiteral("-c"),
+           QStringLiteral(
+               "echo OPENAI_BASE_URL=$OPENAI_BASE_URL; echo ANTHROPIC_BASE_URL=$ANTHROPIC_BASE_URL;"
+               "echo ZUVO_SERVICE_URL=$ZUVO_SERVICE_URL; echo $OPENAI_API_KEY $ANTHROPIC_API_KEY >&2; exit 7")});
+    EXPECT_EQ(finish(), 7);
+    m_printed = m_process.readAllStandardOutput();
+    EXPECT_NE(port(), 0) << m_printed.toStdString();
+    EXPECT_EQ(m_process.readAllStandardError().toStdString(), "made-up-key made-up-key\n");
+}
+
+TEST_F(Program, aCommandIsAnsweredWhileItRuns) {
+    start({QStringLiteral("--"), QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"),
+           QStringLiteral("import os, urllib.request\n"
+                          "print(urllib.request.urlopen(os.environ['ZUVO_SERVICE_URL'] + '/api/v1/version').status)")});
+    EXPECT_EQ(finish(), 0);
+    EXPECT_EQ(m_process.readAllStandardOutput().toStdString(), "200\n");
+}
+
+TEST_F(Program, aCommandThatIsNotThereIsToldAndEndsLikeAShell) {
+    start({QStringLiteral("--"), QStringLiteral("/no/such/program")});
+    EXPECT_EQ(finish(), 127);
+    EXPECT_TRUE(m_process.readAllStandardError().startsWith("zuvo-standin: /no/such/program: "));
+}
+
+TEST_F(Program, aWishToEndIsPassedOnToTheCommand) {
+    start({QStringLiteral("--"), QStringLiteral("/bin/sh"), QStringLiteral("-c"),
+           QStringLiteral("trap 'echo ended; exit 9' TERM; echo ready; while :; do sleep 0.1; done")});
+    while (!m_printed.contains("ready")) {
+        ASSERT_TRUE(m_process.waitForReadyRead(patience));
+        m_printed += m_process.readAllStandardOutput();
+    }
+    m_process.terminate();
+    EXPECT_EQ(finish(), 9);
+    EXPECT_EQ((m_printed + m_process.readAllStandardOutput()).toStdString(), "ready\nended\n");
+}
+
+TEST_F(Program, aCtrlCOfTheTerminalIsTheCommandsToAnswer) {
+    start({QStringLiteral("--"), QStringLiteral("/bin/sh"), QStringLiteral("-c"),
+           QStringLiteral("echo ready; read line; exit 4")});
+    while (!m_printed.contains("ready")) {
+        ASSERT_TRUE(m_process.waitForReadyRead(patience));
+        m_printed += m_process.readAllStandardOutput();
+    }
+    ASSERT_EQ(kill(static_cast<pid_t>(m_process.processId()), SIGINT), 0);
+    m_process.write("on\n");
+    EXPECT_EQ(finish(), 4);
 }
 
 TEST_F(Program, helpSaysHowToFail) {

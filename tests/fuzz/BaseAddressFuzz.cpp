@@ -34,8 +34,10 @@ ZUVO_FUZZ_TARGET {
     if (refusal.empty()) {
         const auto scheme = asciiLowered(base.substr(0, base.find("://")));
         fuzzing::require(scheme == "https" || scheme == "http");
-        fuzzing::require(base.find_first_of("@?#\n\r \t") == std::string::npos);
-        const auto authority = base.substr(base.find("://") + 3);
+        fuzzing::require(base.find_first_of("?#\n\r \t") == std::string::npos);
+        const auto behindScheme = base.substr(base.find("://") + 3);
+        const auto authority = behindScheme.substr(0, behindScheme.find('/'));
+        fuzzing::require(authority.find('@') == std::string::npos);
         // In encoded form a host does not begin with what it is.
         if (scheme == "http" && isValidUtf8(text) && authority.find('%') == std::string::npos)
             fuzzing::require(looksNear(asciiLowered(authority)));

@@ -34,7 +34,9 @@ def make_footage(folder: Path, hours: float) -> Path:
     step, path = folder / "step.wav", folder / "interview.wav"
     quiet = ["ffmpeg", "-y", "-v", "error", "-nostdin"]
     subprocess.run([*quiet, "-f", "lavfi", "-i", f"aevalsrc='{LEVELS}':s=8000:d=12", step], check=True)
-    subprocess.run([*quiet, "-stream_loop", "-1", "-i", step, "-t", str(hours * 3600), "-c", "copy", path], check=True)
+    # A second short of the last chunk's end: what is copied ends with a whole packet.
+    subprocess.run([*quiet, "-stream_loop", "-1", "-i", step, "-t", str(hours * 3600 - 1), "-c", "copy", path],
+                   check=True)
     step.unlink()
     return path
 
@@ -66,8 +68,9 @@ def mine(program: Path, footage: Path, home: Path, addresses: dict[str, str]) ->
     environment = {"HOME": str(home), "TMPDIR": str(home), "PATH": "/nowhere", "OPENAI_API_KEY": "made-up",
                    "ANTHROPIC_API_KEY": "made-up", **addresses}
     start = time.monotonic()
-    run = subprocess.Popen([program, "mine", footage, "--json"], env=environment, stdin=subprocess.DEVNULL,
-                           stdout=subprocess.PIPE, text=True)
+    with open(home / "errors.txt", "w", encoding="utf-8") as errors:
+        run = subprocess.Popen([program, "mine", footage, "--json"], env=environment, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.PIPE, stderr=errors, text=True)
     memory, files, last, said = [], [], {}, []
     for line in run.stdout:
         last = json.loads(line)

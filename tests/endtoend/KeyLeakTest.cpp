@@ -232,6 +232,7 @@ TEST_F(KeyLeakTest, foldersThatCannotBeWrittenTellNoKey) {
     world.folder.write("home/Library/Application Support/ZuvoManager", "in the way");
     run({"mine", file});
     thenItEndsWith(0);
+    std::filesystem::remove(world.cache("word_timestamps.json"));
     world.folder.write("home/Library/Caches/ZuvoManager/word_timestamps.json/x", "in the way");
     run({"mine", file});
     std::filesystem::remove_all(world.home() + "/Library");

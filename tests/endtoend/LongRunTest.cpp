@@ -80,11 +80,13 @@ TEST_F(LongRunTest, minesInOneProcessLeaveMemoryAndOpenFilesWhereTheyWere) {
     givenStory();
     InProcess inside(world);
     constexpr int warmUpMines = 3;
-    constexpr int mines = 9;
+    constexpr int mines = 13;
+    constexpr std::chrono::milliseconds closing{100}; // the last connection does so from the event loop
     std::size_t before = 0;
     std::size_t filesBefore = 0;
     for (int mine = 0; mine < mines; ++mine) {
         if (mine == warmUpMines) {
+            tests::runEventLoop(closing);
             before = tests::heldBytes();
             filesBefore = tests::openFileCount();
         }
@@ -94,9 +96,11 @@ TEST_F(LongRunTest, minesInOneProcessLeaveMemoryAndOpenFilesWhereTheyWere) {
         world.services.forgetRequests();
         inside.processes->calls = {};
     }
+    tests::runEventLoop(closing);
     const auto after = tests::heldBytes();
-    // A mine's sound alone is 384 kB, and its log some kB.
-    constexpr std::size_t tolerated = 64 * 1024;
+    // The sound of a mine is 384 kB, of which each request sends a copy. The C library's own reserve counts as held,
+    // and each request has a thread of Qt's with such a reserve.
+    constexpr std::size_t tolerated = 512 * 1024;
     EXPECT_LE(after, before + tolerated) << "by " << after - before << " bytes in " << mines - warmUpMines << " mines";
     EXPECT_EQ(tests::openFileCount(), filesBefore);
 }

@@ -33,6 +33,7 @@ protected:
             givenTranscription(R"({"start":10,"end":20,"text":"Hello again"})");
             services->then(200, messagesAnswer("I would rather not."));
         }
+        pipeline->reset(); // as the pages do before another mine: until then the log is kept
         ended(pipeline->run(paths, {}));
         ASSERT_EQ(pipeline->step(), ends == Ends::well ? PipelineStep::complete : PipelineStep::error);
         ASSERT_EQ(services->plannedCount(), 0U);

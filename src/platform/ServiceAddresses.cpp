@@ -52,14 +52,20 @@ bool isPrivateAddress(const QHostAddress& address) {
     return false;
 }
 
-/// The host is read from `base`. An IPv4 address must stand there as it is read: "127.1" and "2130706433" are 127.0.0.1
-/// too, but nobody sees it.
+/// The host as it is written in a valid address without user and password.
+std::string writtenHost(const std::string& base) {
+    constexpr std::string_view slashes = "://";
+    const auto start = base.find(slashes) + slashes.size();
+    return base.substr(start, base.find_first_of(":/", start) - start);
+}
+
+/// The host is read from `base`. An IPv4 address must stand there as it is read: "127.1", "2130706433" and
+/// "127.0.0.0b1" are 127.0.0.1 too, but nobody sees it.
 bool isNearHost(const QString& host, const std::string& base) {
     if (host == QLatin1String("localhost"))
         return true;
     const QHostAddress address(host);
-    const bool isPlain = address.protocol() != QAbstractSocket::IPv4Protocol ||
-                         base.find("//" + host.toStdString()) != std::string::npos;
+    const bool isPlain = address.protocol() != QAbstractSocket::IPv4Protocol || writtenHost(base) == host.toStdString();
     return isPlain && isPrivateAddress(address);
 }
 

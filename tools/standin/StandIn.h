@@ -57,6 +57,8 @@ public:
     /// All requests so far, in the order in which they had arrived whole; also those that were answered badly or not.
     [[nodiscard]] const std::vector<RecordedRequest>& requests() const { return m_requests; }
     [[nodiscard]] std::vector<RecordedRequest> requests(Service service) const;
+    /// Forgets the requests so far, which are kept with their sound: some 10 MB for each piece of a mine.
+    void forgetRequests() { m_requests.clear(); }
     /// Connections opened so far, whether or not a request came over them.
     [[nodiscard]] int connectionCount() const;
 

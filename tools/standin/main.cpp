@@ -121,6 +121,9 @@ int main(int argc, char** argv) {
     if (!standIn.knowsSample())
         refuse(QStringLiteral("no readable transcript.json in %1").arg(parser.value(sampleOption)));
     orderFailures(standIn, parser.values(failOption));
+    // Nobody asks this program what it was sent.
+    QObject::connect(&standIn, &zuvo::standin::StandIn::requestArrived, &standIn,
+                     &zuvo::standin::StandIn::forgetRequests);
     if (!standIn.listen(port)) {
         std::fprintf(stderr, "zuvo-standin: port %d is taken\n", int{port});
         return 1;

@@ -143,6 +143,8 @@ TEST(ServiceAddresses, anAddressInDisguiseIsRefused) {
                                               "http://0x7f.0.0.1",
                                               "http://0177.0.0.1",
                                               "http://127.1",
+                                              "http://10.80.0.0b0",
+                                              "http://2130706433//127.0.0.1",
                                               "http://134744072",
                                               "http://１27.0.0.1",
                                               "http://[::ffff:127.0.0.1]",

@@ -141,6 +141,12 @@ TEST_F(StandInOverSockets, keepsWhatItWasSent) {
     EXPECT_EQ(request.connection, 1);
 }
 
+TEST_F(StandInOverSockets, forgetsWhatItWasSentAndAnswersAllTheSame) {
+    QObject::connect(&m_standIn, &StandIn::requestArrived, &m_standIn, &StandIn::forgetRequests);
+    EXPECT_EQ(tell(m_prompt).status, 200);
+    EXPECT_TRUE(m_standIn.requests().empty());
+}
+
 TEST_F(StandInOverSockets, countsConnectionsApartFromRequests) {
     QTcpSocket silent;
     silent.connectToHost(QHostAddress::LocalHost, m_standIn.port());

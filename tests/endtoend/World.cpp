@@ -22,7 +22,7 @@ std::vector<std::string> Ending::log() const {
     return lines;
 }
 
-Running::Running(const QProcessEnvironment& environment, const std::string& workingFolder,
+Running::Running(const QProcessEnvironment& environment, const std::string& workingFolder, const std::string& program,
                  const std::vector<std::string>& words) {
     QStringList arguments;
     for (const auto& word : words)
@@ -34,7 +34,7 @@ Running::Running(const QProcessEnvironment& environment, const std::string& work
                      [this] { m_output += m_process.readAllStandardOutput(); });
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
                      [this] { m_errors += m_process.readAllStandardError(); });
-    m_process.start(QStringLiteral(ZUVO_PROGRAM), arguments);
+    m_process.start(QString::fromStdString(program), arguments);
 }
 
 Running::~Running() {
@@ -136,11 +136,44 @@ std::vector<Json> World::resolveCalls() const {
 }
 
 std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) const {
-    return std::make_unique<Running>(environment, workingFolder, words);
+    return std::make_unique<Running>(environment, workingFolder, ZUVO_PROGRAM, words);
+}
+
+Ending World::byShell(const std::string& line, const std::vector<std::string>& words) const {
+    std::vector<std::string> all = {"-c", line, "sh", ZUVO_PROGRAM};
+    all.insert(all.end(), words.begin(), words.end());
+    return Running(environment, workingFolder, "/bin/sh", all).end();
+}
+
+std::vector<qint64> World::processes() const {
+    const auto mark = std::string("\0HOME=", 6) + home() + std::string(1, '\0');
+    std::vector<qint64> found;
+    std::error_code unreadable;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc", unreadable)) {
+        const auto name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        // Of a process that has ended, or is another user's, nothing can be read.
+        std::ifstream variables(entry.path() / "environ", std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(variables), {}};
+        if (('\0' + text).find(mark) != std::string::npos)
+            found.push_back(std::stoll(name));
+    }
+    return found;
 }
 
 bool exists(const std::string& path) {
     return std::filesystem::exists(path);
+}
+
+std::map<std::string, std::string> filesBelow(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, missing)) {
+        if (entry.is_regular_file())
+            files[entry.path().string()] = bytesOf(entry.path().string());
+    }
+    return files;
 }
 
 std::string bytesOf(const std::string& path) {

@@ -110,6 +110,39 @@ TEST_F(Files, aCopyOfNothingOrOfAFolderOrIntoNothingFails) {
     EXPECT_FALSE(fileExists(folder / "to"));
 }
 
+TEST_F(Files, whatIsKeptUnderAnotherNameOutlivesTheReplacementOfTheFile) {
+    const auto path = folder.write("results", "old");
+    EXPECT_TRUE(keepUnderOtherName(path, folder / "kept"));
+    EXPECT_TRUE(replaceFileAtomically(path, "new"));
+    EXPECT_EQ(folder.read("kept"), "old");
+}
+
+TEST_F(Files, withoutRoomForACopyTheBytesGetASecondName) {
+    const auto path = folder.write("results", "old");
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+    const bool copied = copyFile(path, folder / "copy");
+    const bool kept = keepUnderOtherName(path, folder / "kept");
+    setrlimit(RLIMIT_FSIZE, &before);
+    (void)std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_FALSE(copied);
+    EXPECT_FALSE(fileExists(folder / "copy")) << "a part of a copy is no copy";
+    EXPECT_TRUE(kept);
+    EXPECT_TRUE(replaceFileAtomically(path, "new"));
+    EXPECT_EQ(folder.read("kept"), "old");
+}
+
+TEST_F(Files, aNameThatIsTakenKeepsWhatItHas) {
+    folder.write("kept", "older");
+    EXPECT_FALSE(keepUnderOtherName(folder.write("results", "old"), folder / "kept"));
+    EXPECT_FALSE(keepUnderOtherName(folder / "missing", folder / "none"));
+    EXPECT_EQ(folder.read("kept"), "older");
+    EXPECT_FALSE(fileExists(folder / "none"));
+}
+
 TEST_F(Files, theSizeOfAFileIsInBytes) {
     EXPECT_EQ(fileSize(folder.write("ü", "ü")), 2U);
     EXPECT_EQ(fileSize(folder.write("empty", "")), 0U);

@@ -1,5 +1,6 @@
 #include "platform/StandardStreams.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -9,7 +10,7 @@ namespace zuvo {
 
 void withstandBrokenStreams() {
     // The lowest free number is given, so that each lands where it belongs.
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    for (const int stream : std::array{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(stream, F_GETFD) == -1 && errno == EBADF)
             (void)::open("/dev/null", O_RDWR);
     }

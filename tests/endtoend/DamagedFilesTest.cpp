@@ -180,8 +180,9 @@ TEST_F(DamagedFilesTest, aFileInThePlaceOfAnyFolderOfTheStoresLosesThatStoreAlon
         thenLogEndsWith({"✓ Complete — we found gems!"});
         EXPECT_EQ(jsonOf(world.cache("segments.json")).size(), 1U);
         // The folder of chunks is the program's own, and made anew by each mine.
-        if (folder != world.cache("chunks"))
+        if (folder != world.cache("chunks")) {
             EXPECT_EQ(bytesOf(folder), "in the way");
+        }
         std::filesystem::remove_all(world.home() + "/Library");
     }
 }

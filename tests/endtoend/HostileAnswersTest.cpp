@@ -151,7 +151,7 @@ TEST_F(HostileAnswersTest, aHundredThousandLinesAreToldLikeThree) {
 }
 
 TEST_F(HostileAnswersTest, linesWhoseTimesRunBackwardsOrBeyondAllBoundsEndInACompleteMine) {
-    for (const std::string& times :
+    for (const std::string times :
          {R"({"start": 12.0, "end": 0.0, "text": "back"}, {"start": 4.0, "end": 2.0, "text": "and back"})",
           R"({"start": 0.0, "end": 1e308, "text": "long"}, {"start": -1e308, "end": 1e308, "text": "longer"})",
           R"({"start": 1e308, "end": -1e308, "text": "turned"})", R"({"start": -0.0, "end": 5e-324, "text": "short"})",
@@ -164,7 +164,7 @@ TEST_F(HostileAnswersTest, linesWhoseTimesRunBackwardsOrBeyondAllBoundsEndInACom
 }
 
 TEST_F(HostileAnswersTest, wordTimesOfAnyKindDoNoHarm) {
-    for (const std::string words :
+    for (const auto& words :
          {std::string(), deep(), std::string("{}"), std::string(R"({"words": {}})"),
           std::string(
               R"({"words": [{"word": "a", "start": 5.0, "end": 1.0}, {"word": "b", "start": 2.0, "end": 0.5}]})"),
@@ -245,7 +245,7 @@ TEST_F(HostileAnswersTest, tenThousandMomentsInTheSilenceAreEachRejected) {
 }
 
 TEST_F(HostileAnswersTest, momentsBeyondAllBoundsEndInACompleteMine) {
-    for (const std::string& moment : {
+    for (const std::string moment : {
              R"("startTime": 1e308, "endTime": -1e308)",
              R"("startTime": -1e308, "endTime": 1e308)",
              R"("startTime": 0, "endTime": 1e308)",

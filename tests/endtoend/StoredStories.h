@@ -17,8 +17,9 @@ inline bool isLeftover(const std::string& path) {
 /// Fails the test for each JSON file of ours that is not whole.
 inline void thenEveryJsonFileIsWhole(const World& world) {
     for (const auto& [path, bytes] : filesBelow(world.home())) {
-        if (path.ends_with(".json") && !isLeftover(path))
+        if (path.ends_with(".json") && !isLeftover(path)) {
             EXPECT_TRUE(Json::accept(bytes)) << path << " has " << bytes.size() << " bytes and is no JSON";
+        }
     }
 }
 

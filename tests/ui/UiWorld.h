@@ -44,9 +44,6 @@ public:
     /// Starts the application as at a launch of the program; an earlier one ends first.
     void launch();
 
-    /// Ends the application, as when the program ends.
-    void end() { m_app.reset(); }
-
     /// A token that the service takes lies where an earlier start of the program left it. Before `launch`.
     void givenSignedInBefore();
 

@@ -2,6 +2,7 @@
 #include "app/Start.h"
 #include "model/Constants.h"
 #include "platform/SingleInstance.h"
+#include "platform/StandardStreams.h"
 #include "ui/WindowEngine.h"
 #include "ui/ZuvoManagerApp.h"
 
@@ -72,6 +73,7 @@ bool isFirstStart(zuvo::SingleInstance& instance, const std::optional<std::strin
 } // namespace
 
 int main(int argc, char** argv) {
+    zuvo::withstandBrokenStreams();
     QGuiApplication application(argc, argv);
     describe(application);
     const auto start = zuvo::parseStartArguments(QGuiApplication::arguments().mid(1));

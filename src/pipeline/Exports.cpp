@@ -22,7 +22,7 @@ std::string LocalPipeline::saveExports(const std::string& timeline, const Mining
                                 storyBriefText(timeline, analysis, defaultDateText(m_platform.clock())));
     const auto newest = folder + "/mining_results.json";
     if (fileExists(newest))
-        copyFile(newest, folder + "/mining_results_v" + std::to_string(nextMineVersion(folder)) + ".json");
+        keepUnderOtherName(newest, folder + "/mining_results_v" + std::to_string(nextMineVersion(folder)) + ".json");
     if (const auto text = compactText(encodeRecord(analysis)))
         (void)replaceFileAtomically(newest, *text);
     return folder;

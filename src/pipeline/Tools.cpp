@@ -44,7 +44,9 @@ QCoro::Task<std::string> LocalPipeline::runProcessStderr(std::string path, std::
     request.errorFile = *folder + "zuvo_stderr_" + m_platform.newUuid() + ".txt";
     const auto file = request.errorFile;
     const auto outcome = co_await m_platform.processes->run(std::move(request));
-    auto text = outcome.launched ? readTextFile(file).value_or("") : std::string();
+    // A tool that has run wild may have filled the disk; that does not belong into memory.
+    const bool isReadable = outcome.launched && fileSize(file).value_or(0) <= keptOutputLimit;
+    auto text = isReadable ? readTextFile(file).value_or("") : std::string();
     removeTree(file);
     co_return text;
 }

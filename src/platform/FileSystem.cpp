@@ -1,5 +1,7 @@
 #include "platform/FileSystem.h"
 
+#include "base/Files.h"
+
 #include <algorithm>
 #include <bit>
 #include <filesystem>
@@ -42,8 +44,18 @@ bool removeTree(const std::string& path) {
 }
 
 bool copyFile(const std::string& from, const std::string& to) {
+    if (fileExists(to))
+        return false;
+    const auto bytes = readFile(from);
+    return bytes && replaceFileAtomically(to, *bytes);
+}
+
+bool keepUnderOtherName(const std::string& path, const std::string& kept) {
+    if (copyFile(path, kept))
+        return true;
     std::error_code error;
-    return fs::copy_file(from, to, error) && !error;
+    fs::create_hard_link(path, kept, error);
+    return !error;
 }
 
 std::optional<std::uint64_t> fileSize(const std::string& path) {

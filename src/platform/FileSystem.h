@@ -22,8 +22,14 @@ bool createFolders(const std::string& path);
 /// there.
 bool removeTree(const std::string& path);
 
-/// Copies a file; false if that fails or the target is there already.
+/// Copies a file of ours, which is small; false if that fails or the target is there already. The copy is whole or it
+/// is not there.
 bool copyFile(const std::string& from, const std::string& to);
+
+/// Keeps what the file holds now under another name, in the same folder or at least on the same disk, before the file
+/// is replaced atomically. Where there is no room for a copy, the bytes get a second name. False if neither can be done
+/// or that name is taken.
+bool keepUnderOtherName(const std::string& path, const std::string& kept);
 
 /// Bytes; nothing if there is no such file.
 [[nodiscard]] std::optional<std::uint64_t> fileSize(const std::string& path);

@@ -4,6 +4,7 @@
 #include "fakes/CoroutineTest.h"
 #include "pipeline/LocalPipeline.h"
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -68,6 +69,9 @@ public:
         pipeline = LocalPipeline::create(platform, timeouts);
         tests::runToEnd(pipeline->run(files, choices), std::chrono::seconds(60));
     }
+
+    /// Lets the next mine pay for its transcript again, as after a new start of the program.
+    void forgetTranscripts() const { std::filesystem::remove_all(platform.environment.cacheFolder() + "/transcripts"); }
 
     [[nodiscard]] ProbeResult probe(const std::string& file) {
         pipeline = LocalPipeline::create(platform, timeouts);

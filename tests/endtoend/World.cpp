@@ -45,7 +45,9 @@ Running::~Running() {
 }
 
 void Running::press(int signal) const {
-    ::kill(static_cast<pid_t>(processId()), signal);
+    // One that has ended has no id any more, and 0 would be this test's own group.
+    if (const auto id = static_cast<pid_t>(processId()); id > 0)
+        ::kill(id, signal);
 }
 
 Ending Running::end(std::chrono::seconds limit) {
@@ -139,8 +141,41 @@ std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) con
     return std::make_unique<Running>(program, environment, workingFolder, words);
 }
 
+Ending World::byShell(const std::string& line, const std::vector<std::string>& words) const {
+    std::vector<std::string> all = {"-c", line, "sh", program};
+    all.insert(all.end(), words.begin(), words.end());
+    return Running("/bin/sh", environment, workingFolder, all).end();
+}
+
+std::vector<qint64> World::processes() const {
+    const auto mark = std::string("\0HOME=", 6) + home() + std::string(1, '\0');
+    std::vector<qint64> found;
+    std::error_code unreadable;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc", unreadable)) {
+        const auto name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        // Of a process that has ended, or is another user's, nothing can be read.
+        std::ifstream variables(entry.path() / "environ", std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(variables), {}};
+        if (('\0' + text).find(mark) != std::string::npos)
+            found.push_back(std::stoll(name));
+    }
+    return found;
+}
+
 bool exists(const std::string& path) {
     return std::filesystem::exists(path);
+}
+
+std::map<std::string, std::string> filesBelow(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, missing)) {
+        if (entry.is_regular_file())
+            files[entry.path().string()] = bytesOf(entry.path().string());
+    }
+    return files;
 }
 
 std::string bytesOf(const std::string& path) {

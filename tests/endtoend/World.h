@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <chrono>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -82,6 +83,12 @@ public:
 
     [[nodiscard]] std::unique_ptr<Running> begin(const std::vector<std::string>& words) const;
     [[nodiscard]] Ending zuvo(const std::vector<std::string>& words) const { return begin(words)->end(); }
+    /// The program by way of a line of the shell, in which it stands as "$@": what a shell does to streams and limits
+    /// before the program starts.
+    [[nodiscard]] Ending byShell(const std::string& line, const std::vector<std::string>& words) const;
+
+    /// Ids of the processes that run in this world, children of children included.
+    [[nodiscard]] std::vector<qint64> processes() const;
 
 private:
     /// Python runs this before a script, since it lies in the user's own folder of modules.
@@ -89,6 +96,8 @@ private:
 };
 
 [[nodiscard]] bool exists(const std::string& path);
+/// All files below a folder by their full paths, with their bytes; empty if there is no such folder.
+[[nodiscard]] std::map<std::string, std::string> filesBelow(const std::string& folder);
 /// The bytes of a file; a missing one fails the test.
 [[nodiscard]] std::string bytesOf(const std::string& path);
 [[nodiscard]] Json jsonOf(const std::string& path);

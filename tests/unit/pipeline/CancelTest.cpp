@@ -1,7 +1,10 @@
 #include "fakes/pipeline/PipelineFixture.h"
+#include "resolve/Scripts.h"
 
 #include <QPointer>
 #include <algorithm>
+#include <filesystem>
+#include <map>
 
 using namespace zuvo;
 using namespace zuvo::tests;
@@ -36,7 +39,46 @@ const std::vector<Stop> stops = {
     {PipelineStep::translating, "[dim]   Word transcribing segment 2/2..."}, // 18: its words
 };
 
-class CancelInsideCall : public PipelineFixture, public testing::WithParamInterface<std::size_t> {};
+// A run from a timeline asks Resolve first and last.
+constexpr std::size_t timelineCalls = 20;
+
+std::vector<Stop> timelineStops() {
+    auto all = stops;
+    all[2].lastLine = "[muted] Extracting audio from timeline...";
+    all.insert(all.begin(), {PipelineStep::connecting, "[muted] Connecting to DaVinci Resolve..."});
+    all.push_back({PipelineStep::building, "[accent] ✗ Python returned no output"});
+    return all;
+}
+
+// The calls of a project told anew in the launch that mined it.
+const std::vector<Stop> projectStops = {
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 1: channels of A
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 2: samples of A
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 3: samples of B
+    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 4: the story
+    {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 5: cut of the first moment
+    {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 6: its words
+    {PipelineStep::translating, "[dim]   Word transcribing segment 2/2..."}, // 7: cut of the second
+    {PipelineStep::translating, "[dim]   Word transcribing segment 2/2..."}, // 8: its words
+    {PipelineStep::building, "[accent] ✗ Python returned no output"},        // 9: the build
+};
+
+class CancelFixture : public PipelineFixture, public testing::WithParamInterface<std::size_t> {
+protected:
+    /// All that lies in the projects' folder, by path.
+    [[nodiscard]] std::map<std::string, std::string> exportedFiles() const {
+        std::map<std::string, std::string> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(pipeline->projectsDir())) {
+            if (entry.is_regular_file())
+                files[entry.path().string()] = read(entry.path().string());
+        }
+        return files;
+    }
+};
+
+class CancelInsideCall : public CancelFixture {};
+class CancelInsideTimelineCall : public CancelFixture {};
+class CancelInsideProjectCall : public CancelFixture {};
 
 class Cancel : public PipelineFixture {
 protected:
@@ -83,6 +125,92 @@ TEST_P(CancelInsideCall, directlyFollowedByResetLetsTheRunGoOn) {
     EXPECT_TRUE(pipeline->results().has_value());
     // The lines from before the reset are gone.
     thenLogLacks("$ zuvo mine");
+}
+
+TEST_P(CancelInsideCall, leavesTheEarlierMineAndTheNextRunEndsWell) {
+    const auto footage = givenAFinishedMine();
+    const auto earlier = exportedFiles();
+    ASSERT_FALSE(earlier.empty());
+    givenNewLaunch(2);
+    givenServicesAnswer();
+    const auto before = calls->count();
+    calls->inside = [this, before](std::size_t number) {
+        if (number == before + GetParam())
+            pipeline->cancel();
+    };
+    mine(footage);
+    EXPECT_NE(pipeline->step(), PipelineStep::complete);
+    EXPECT_EQ(exportedFiles(), earlier);
+    EXPECT_EQ(temporaryFiles(), std::vector<std::string>());
+    calls->inside = nullptr;
+    services->forgetPlan();
+    givenNewLaunch(3);
+    givenServicesAnswer();
+    mine(footage);
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    EXPECT_EQ(pipeline->listMineVersions().size(), 1U) << "the earlier story alone";
+}
+
+TEST_P(CancelInsideTimelineCall, endsTheRunAtItsNextTest) {
+    const auto footage = givenFootage();
+    tools->when(running(timelineMediaScript(platform.environment.resolveScriptLib, "Cut")),
+                printed(footage[0] + "\n" + footage[1] + "\n"));
+    givenServicesAnswer();
+    calls->inside = [this](std::size_t number) {
+        if (number == GetParam())
+            pipeline->cancel();
+    };
+    ended(pipeline->run(std::string("Cut"), MineChoices()));
+    const auto stop = timelineStops().at(GetParam() - 1);
+    EXPECT_EQ(pipeline->step(), stop.step);
+    EXPECT_EQ(log().back(), stop.lastLine);
+    EXPECT_EQ(pipeline->errorMessage().has_value(), stop.step == PipelineStep::error);
+    // The build is the last call: what came before it is kept.
+    const bool isKept = stop.step == PipelineStep::building;
+    EXPECT_EQ(pipeline->results().has_value(), isKept);
+    EXPECT_EQ(exists(exportsPath("Cut/project.json")), isKept);
+}
+
+TEST_P(CancelInsideProjectCall, endsTheRunAtItsNextTest) {
+    (void)givenAFinishedMine();
+    const auto project = pipeline->listProjects().at(0);
+    const auto earlier = exportedFiles();
+    givenStory(fixtureStory);
+    givenWords(R"({"word": "uno", "start": 0.12, "end": 0.5})");
+    givenWords(R"({"word": "tres", "start": 0.25, "end": 0.75})");
+    const auto before = calls->count();
+    calls->inside = [this, before](std::size_t number) {
+        if (number == before + GetParam())
+            pipeline->cancel();
+    };
+    ended(pipeline->runFromProject(project, {}));
+    const auto& stop = projectStops[GetParam() - 1];
+    EXPECT_EQ(pipeline->step(), stop.step);
+    EXPECT_EQ(log().back(), stop.lastLine);
+    EXPECT_EQ(pipeline->errorMessage(), std::nullopt);
+    if (stop.step != PipelineStep::building) {
+        EXPECT_EQ(exportedFiles(), earlier);
+    } else {
+        EXPECT_EQ(pipeline->listMineVersions().size(), 1U) << "the earlier story is a version now";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, CancelInsideTimelineCall, testing::Range(std::size_t{1}, timelineCalls + 1));
+INSTANTIATE_TEST_SUITE_P(EveryCall, CancelInsideProjectCall, testing::Range(std::size_t{1}, projectStops.size() + 1));
+
+TEST_F(Cancel, theOtherRunsHaveAsManyCallsAsAreTriedHere) {
+    const auto footage = givenFootage();
+    tools->when(running(timelineMediaScript(platform.environment.resolveScriptLib, "Cut")),
+                printed(footage[0] + "\n" + footage[1] + "\n"));
+    givenServicesAnswer();
+    ended(pipeline->run(std::string("Cut"), MineChoices()));
+    EXPECT_EQ(calls->count(), timelineCalls);
+    const auto project = pipeline->listProjects().at(0);
+    givenStory(fixtureStory);
+    givenWords("");
+    givenWords("");
+    ended(pipeline->runFromProject(project, {}));
+    EXPECT_EQ(calls->count(), timelineCalls + projectStops.size());
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryCall, CancelInsideCall, testing::Range(std::size_t{1}, stops.size() + 1));

@@ -1,10 +1,13 @@
 #include "platform/FileSystem.h"
 
+#include "base/Files.h"
 #include "fakes/TemporaryFolder.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace zuvo;
@@ -108,6 +111,39 @@ TEST_F(Files, aCopyOfNothingOrOfAFolderOrIntoNothingFails) {
     EXPECT_FALSE(copyFile(folder.makeFolder("sub"), folder / "to"));
     EXPECT_FALSE(copyFile(folder.write("from", "x"), folder / "missing/to"));
     EXPECT_FALSE(fileExists(folder / "to"));
+}
+
+TEST_F(Files, whatIsKeptUnderAnotherNameOutlivesTheReplacementOfTheFile) {
+    const auto path = folder.write("results", "old");
+    EXPECT_TRUE(keepUnderOtherName(path, folder / "kept"));
+    EXPECT_TRUE(replaceFileAtomically(path, "new"));
+    EXPECT_EQ(folder.read("kept"), "old");
+}
+
+TEST_F(Files, withoutRoomForACopyTheBytesGetASecondName) {
+    const auto path = folder.write("results", "old");
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+    const bool copied = copyFile(path, folder / "copy");
+    const bool kept = keepUnderOtherName(path, folder / "kept");
+    setrlimit(RLIMIT_FSIZE, &before);
+    (void)std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_FALSE(copied);
+    EXPECT_FALSE(fileExists(folder / "copy")) << "a part of a copy is no copy";
+    EXPECT_TRUE(kept);
+    EXPECT_TRUE(replaceFileAtomically(path, "new"));
+    EXPECT_EQ(folder.read("kept"), "old");
+}
+
+TEST_F(Files, aNameThatIsTakenKeepsWhatItHas) {
+    folder.write("kept", "older");
+    EXPECT_FALSE(keepUnderOtherName(folder.write("results", "old"), folder / "kept"));
+    EXPECT_FALSE(keepUnderOtherName(folder / "missing", folder / "none"));
+    EXPECT_EQ(folder.read("kept"), "older");
+    EXPECT_FALSE(fileExists(folder / "none"));
 }
 
 TEST_F(Files, theSizeOfAFileIsInBytes) {

@@ -16,12 +16,13 @@ CardLayout {
         offsetY: 6
         cornerRadius: card.cornerRadius
     }
-    CardSurface {
+    Rectangle {
         parent: card
         z: -1
         anchors.fill: parent
-        fill: "transparent"
-        cornerRadius: card.cornerRadius
-        borderTop: Theme.faded(Theme.border, 0.15)
+        radius: card.cornerRadius
+        gradient: Theme.subtleGradient
+        border.width: Hairline.width(Screen.devicePixelRatio)
+        border.color: Theme.faded(Theme.border, 0.15)
     }
 }

@@ -80,6 +80,7 @@ FocusScope {
             Item { width: 1; height: 42 }
             Loader {
                 id: middle
+                objectName: "signInMiddle"
                 width: parent.width
                 focus: true
             }

@@ -24,6 +24,9 @@ protected:
     void openTokenField() {
         driver->click(QStringLiteral("tokenChoiceButton"));
         ASSERT_TRUE(waitForFocus(QStringLiteral("tokenField")));
+        // It comes gently: at the very first there is nothing to be seen of it.
+        ASSERT_TRUE(
+            waitUntil([this] { return driver->findEvenDisabled(QStringLiteral("submitTokenButton")) != nullptr; }));
     }
     [[nodiscard]] QString typedToken() {
         const auto* field = driver->findEvenDisabled(QStringLiteral("tokenField"));

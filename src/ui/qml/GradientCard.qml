@@ -16,13 +16,12 @@ CardLayout {
         offsetY: 6
         cornerRadius: card.cornerRadius
     }
-    Rectangle {
+    CardSurface {
         parent: card
         z: -1
         anchors.fill: parent
-        radius: card.cornerRadius
-        gradient: Theme.subtleGradient
-        border.width: Hairline.width(Screen.devicePixelRatio)
-        border.color: Theme.faded(Theme.border, 0.15)
+        fill: "transparent"
+        cornerRadius: card.cornerRadius
+        borderTop: Theme.faded(Theme.border, 0.15)
     }
 }

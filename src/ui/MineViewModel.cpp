@@ -218,9 +218,10 @@ std::vector<TranscriptSegment> MineViewModel::fullTranscript() const {
 }
 
 void MineViewModel::show() {
-    listProjects();
-    startTopLevelTask(this, "that looks for Resolve's timelines",
-                      [bridge = m_tools.resolveBridge] { return findTimelines(bridge); });
+    startTopLevelTask(this, "that looks for projects and timelines", [this, bridge = m_tools.resolveBridge] {
+        listProjects();
+        return findTimelines(bridge);
+    });
 }
 
 void MineViewModel::setupNext() {
@@ -268,18 +269,27 @@ StoryChoices MineViewModel::storyChoices() const {
     return choices;
 }
 
-QCoro::Task<> MineViewModel::chosenRun() const {
+MineChoices MineViewModel::mineChoices() const {
     MineChoices choices;
     choices.mode = m_selectedMode;
     choices.language = m_selectedLanguage;
     choices.story = storyChoices();
-    if (m_sourceMode == SourceMode::files)
-        return m_tools.pipeline->run(pathsOf(m_droppedFiles), std::move(choices));
+    return choices;
+}
+
+std::function<QCoro::Task<>()> MineViewModel::chosenRun() const {
+    if (m_sourceMode == SourceMode::files) {
+        if (m_droppedFiles.empty())
+            return {};
+        return [this, paths = pathsOf(m_droppedFiles)] { return m_tools.pipeline->run(paths, mineChoices()); };
+    }
+    if (!m_selectedTimeline)
+        return {};
     if (m_selectedMode == MiningMode::audit)
-        return m_tools.pipeline->auditTimeline(*m_selectedTimeline);
+        return [this, timeline = *m_selectedTimeline] { return m_tools.pipeline->auditTimeline(timeline); };
     if (m_loadedProject)
-        return m_tools.pipeline->runFromProject(*m_loadedProject, std::move(choices.story));
-    return m_tools.pipeline->run(*m_selectedTimeline, std::move(choices));
+        return [this, project = *m_loadedProject] { return m_tools.pipeline->runFromProject(project, storyChoices()); };
+    return [this, timeline = *m_selectedTimeline] { return m_tools.pipeline->run(timeline, mineChoices()); };
 }
 
 namespace {
@@ -298,23 +308,22 @@ QCoro::Task<> nothing() {
 
 } // namespace
 
-QCoro::Task<> MineViewModel::mineAndGoOn() {
+QCoro::Task<> MineViewModel::mineAndGoOn(const std::function<QCoro::Task<>()>& begin) {
     auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount] {
         if (!flow.isNull() && flow->m_cancelCount == cancelCount)
             flow->advanceTo(MineStep::review);
     };
     auto pipeline = m_tools.pipeline;
-    auto run = chosenRun(); // what it tells while it begins may end this flow
+    auto run = begin(); // what it tells while it begins may end this flow
     return followRun(std::move(pipeline), std::move(run), std::move(goOn));
 }
 
 void MineViewModel::startMining() {
-    const bool namesFootage =
-        m_sourceMode == SourceMode::files ? !m_droppedFiles.empty() : m_selectedTimeline.has_value();
-    if (!namesFootage)
+    auto begin = chosenRun();
+    if (!begin)
         return;
-    startTopLevelTask(this, "that mines", [this, cancelCount = m_cancelCount] {
-        return m_cancelCount == cancelCount ? mineAndGoOn() : nothing();
+    startTopLevelTask(this, "that mines", [this, cancelCount = m_cancelCount, begin = std::move(begin)] {
+        return m_cancelCount == cancelCount ? mineAndGoOn(begin) : nothing();
     });
 }
 

@@ -15,6 +15,7 @@
 #include <QString>
 #include <QVariantList>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <qqmlregistration.h>
@@ -166,8 +167,11 @@ private:
     void followEstimate();
     /// Starts the run that the choices ask for, if they name footage. Its good end leads to the review.
     void startMining();
-    [[nodiscard]] QCoro::Task<> mineAndGoOn();
-    [[nodiscard]] QCoro::Task<> chosenRun() const;
+    /// The run over the footage that is chosen now, to be begun while this flow is there; nothing without footage. The
+    /// style is read when it begins.
+    [[nodiscard]] std::function<QCoro::Task<>()> chosenRun() const;
+    [[nodiscard]] QCoro::Task<> mineAndGoOn(const std::function<QCoro::Task<>()>& begin);
+    [[nodiscard]] MineChoices mineChoices() const;
     [[nodiscard]] StoryChoices storyChoices() const;
     [[nodiscard]] SavedProject projectOfThisRun() const;
     void setLoadedProject(std::optional<SavedProject> project);

@@ -28,44 +28,79 @@ std::vector<float> bell(double deviation, int reach) {
     return weights;
 }
 
-/// One pass of a blur: `count` lines of `length` values, which lie `step` apart; lines lie `stride` apart.
-void blurLines(std::vector<float>& values, const std::vector<float>& weights, int count, int stride, int length,
-               int step) {
-    const int reach = static_cast<int>(weights.size() / 2);
-    std::vector<float> line(static_cast<std::size_t>(length));
-    for (int l = 0; l < count; ++l) {
-        const auto at = [l, stride, step](int i) { return static_cast<std::size_t>(l * stride + i * step); };
-        for (int i = 0; i < length; ++i)
-            line[static_cast<std::size_t>(i)] = values[at(i)];
-        for (int i = 0; i < length; ++i) {
-            float sum = 0.0F;
-            for (int k = std::max(0, i - reach); k <= std::min(length - 1, i + reach); ++k)
-                sum += line[static_cast<std::size_t>(k)] * weights[static_cast<std::size_t>(k - i + reach)];
-            values[at(i)] = sum;
-        }
-    }
-}
-
-/// How much of each pixel the shape covers, 0 to 1, if it lies that far up from the middle.
-std::vector<float> coverage(const ShadowShape& shape, int reach, int width, int height, double rise) {
-    QImage mask(width, height, QImage::Format_Grayscale8);
-    mask.fill(Qt::black);
-    QPainter painter(&mask);
+/// Draws the shape, with its reach on every side and that far up from the middle.
+void drawShape(QImage& image, const ShadowShape& shape, int reach, double rise, QPainter::CompositionMode mode) {
+    QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setCompositionMode(mode);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
     const QRectF place(QPointF(reach, reach - rise), QSizeF(shape.size));
     painter.drawRoundedRect(place, shape.cornerRadius, shape.cornerRadius);
-    painter.end();
-    std::vector<float> values;
-    values.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (int y = 0; y < height; ++y) {
-        const uchar* line = mask.constScanLine(y);
-        for (int x = 0; x < width; ++x)
-            values.push_back(static_cast<float>(line[x]) / 255.0F);
-    }
-    return values;
 }
+
+/// How much of each pixel the shape covers, 0 to 255, with its reach on every side.
+QImage coverage(const ShadowShape& shape, int reach) {
+    QImage mask(shape.size.width() + 2 * reach, shape.size.height() + 2 * reach, QImage::Format_Grayscale8);
+    mask.fill(Qt::black);
+    drawShape(mask, shape, reach, 0.0, QPainter::CompositionMode_SourceOver);
+    return mask;
+}
+
+/// Adds `count` values, each times `weight`: a loop that the compiler makes wide.
+void addWeighted(float* to, const float* from, int count, float weight) {
+    for (int i = 0; i < count; ++i)
+        to[i] += weight * from[i];
+}
+
+/// A blurred shape, 0 to 255 a pixel. Shape and blur are the same mirrored, so that a quarter is worked out: the upper
+/// left one, with the middle lines.
+class BlurredQuarter {
+public:
+    BlurredQuarter(const QImage& shape, const std::vector<float>& weights)
+        : m_shape(shape), m_weights(weights), m_along(room()), m_values(room()) {
+        for (int y = 0; y < height(); ++y)
+            blurAlong(y);
+        for (int y = 0; y < height(); ++y)
+            blurDown(y);
+    }
+
+    [[nodiscard]] int width() const { return (m_shape.width() + 1) / 2; }
+    [[nodiscard]] int height() const { return (m_shape.height() + 1) / 2; }
+    [[nodiscard]] float at(int x, int y) const { return m_values[place(y) + static_cast<std::size_t>(x)]; }
+
+private:
+    [[nodiscard]] std::size_t room() const { return place(height()); }
+    [[nodiscard]] std::size_t place(int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width());
+    }
+    [[nodiscard]] int reach() const { return static_cast<int>(m_weights.size() / 2); }
+
+    void blurAlong(int y) {
+        const uchar* line = m_shape.constScanLine(y);
+        const int length = m_shape.width();
+        if (std::all_of(line, line + length, [](uchar value) { return value == 0; }))
+            return;
+        // Nothing stands beyond the ends.
+        std::vector<float> padded(static_cast<std::size_t>(length + 2 * reach()));
+        std::copy(line, line + length, padded.begin() + reach());
+        for (std::size_t k = 0; k < m_weights.size(); ++k)
+            addWeighted(&m_along[place(y)], &padded[k], width(), m_weights[k]);
+    }
+
+    void blurDown(int y) {
+        const int last = m_shape.height() - 1;
+        for (int from = std::max(0, y - reach()); from <= std::min(last, y + reach()); ++from) {
+            const auto weight = m_weights[static_cast<std::size_t>(from - y + reach())];
+            addWeighted(&m_values[place(y)], &m_along[place(std::min(from, last - from))], width(), weight);
+        }
+    }
+
+    const QImage& m_shape;
+    const std::vector<float>& m_weights;
+    std::vector<float> m_along; ///< blurred along its rows
+    std::vector<float> m_values;
+};
 
 } // namespace
 
@@ -76,28 +111,24 @@ QImage shadowImage(const ShadowShape& shape) {
         !(std::abs(shape.hollowRise.value_or(0.0)) <= largestRise))
         return {};
     const int reach = static_cast<int>(std::ceil(3.0 * shape.deviation));
-    const int width = shape.size.width() + 2 * reach;
-    const int height = shape.size.height() + 2 * reach;
-    auto values = coverage(shape, reach, width, height, 0.0);
+    const auto mask = coverage(shape, reach);
     const auto weights = bell(shape.deviation, reach);
-    blurLines(values, weights, height, width, width, 1);
-    blurLines(values, weights, width, 1, height, width);
-    if (shape.hollowRise) {
-        const auto hidden = coverage(shape, reach, width, height, *shape.hollowRise);
-        for (std::size_t i = 0; i < values.size(); ++i)
-            values[i] *= 1.0F - hidden[i];
-    }
+    const BlurredQuarter blurred(mask, weights);
 
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < height; ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            const auto value =
-                values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
-            const auto alpha = static_cast<int>(std::lround(value * static_cast<float>(shape.color.alpha())));
-            line[x] = qPremultiply(qRgba(shape.color.red(), shape.color.green(), shape.color.blue(), alpha));
+    QImage image(mask.size(), QImage::Format_ARGB32_Premultiplied);
+    const auto opacity = static_cast<float>(shape.color.alphaF());
+    for (int y = 0; y < blurred.height(); ++y) {
+        auto* upper = reinterpret_cast<QRgb*>(image.scanLine(y));
+        auto* lower = reinterpret_cast<QRgb*>(image.scanLine(image.height() - 1 - y));
+        for (int x = 0; x < blurred.width(); ++x) {
+            const auto alpha = static_cast<int>(std::lround(blurred.at(x, y) * opacity));
+            const auto pixel = qPremultiply(qRgba(shape.color.red(), shape.color.green(), shape.color.blue(), alpha));
+            const int mirrored = image.width() - 1 - x;
+            upper[x] = upper[mirrored] = lower[x] = lower[mirrored] = pixel;
         }
     }
+    if (shape.hollowRise)
+        drawShape(image, shape, reach, *shape.hollowRise, QPainter::CompositionMode_DestinationOut);
     return image;
 }
 

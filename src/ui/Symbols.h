@@ -16,10 +16,14 @@ namespace zuvo {
 /// Every name in the table.
 [[nodiscard]] QStringList symbolNames();
 
-/// The symbol in one colour; a null image for a name that the table lacks, no colour, or a size that cannot be.
-[[nodiscard]] QImage symbolImage(const QString& name, const QColor& color, const QSize& size);
+/// The drawings are regular; heavier ones are drawn with broader strokes.
+enum class SymbolWeight { regular, semibold, bold };
 
-/// "image://symbols/{name}/{#rrggbb or #aarrggbb}"
+/// The symbol in one colour; a null image for a name that the table lacks, no colour, or a size that cannot be.
+[[nodiscard]] QImage symbolImage(const QString& name, const QColor& color, const QSize& size,
+                                 SymbolWeight weight = SymbolWeight::regular);
+
+/// "image://symbols/{name}/{#rrggbb or #aarrggbb}", with "/semibold" or "/bold" behind it for a heavier one
 class SymbolProvider final : public QQuickImageProvider {
 public:
     SymbolProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}

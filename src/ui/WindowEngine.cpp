@@ -3,9 +3,11 @@
 #include "ui/Shadows.h"
 #include "ui/Symbols.h"
 
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QRectF>
 #include <QScreen>
+#include <QThreadPool>
 #include <QUrl>
 #include <QVariantMap>
 
@@ -23,6 +25,9 @@ void prepareEngine(QQmlEngine& engine) {
 }
 
 WindowEngine::WindowEngine(ContentViewModel* content) {
+    // The desktop's fonts are looked through while the pages are read: a sixth of what a start costs. Whoever asks for
+    // a font first waits for the end of that.
+    QThreadPool::globalInstance()->start([] { (void)QFontDatabase::families(); });
     prepareEngine(m_engine);
     QVariantMap properties;
     properties[QStringLiteral("content")] = QVariant::fromValue(content);

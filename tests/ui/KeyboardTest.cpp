@@ -109,6 +109,7 @@ TEST_F(KeyboardTest, tabComesToTheTokenFieldAndItsButtons) {
     launchSignedOut();
     driver->click(QStringLiteral("tokenChoiceButton"));
     ASSERT_TRUE(waitForFocus(QStringLiteral("tokenField")));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("tokenField"))); // it comes gently
     driver->type(QStringLiteral("a"));
     expectKeyboardReachesAll(*driver, 0);
 }

@@ -147,6 +147,24 @@ TEST_F(ShellTest, aClickOnTheChosenEntryKeepsThePageAsItIs) {
     EXPECT_EQ(world.page<MineViewModel>()->currentStep(), MineStep::review);
 }
 
+TEST_F(ShellTest, theSidebarIsMadeForWhoeverIsSignedInAlone) {
+    launchSignedOut();
+    EXPECT_EQ(driver->findEvenDisabled(tab(1)), nullptr);
+    EXPECT_FALSE(driver->showsText(QStringLiteral("Story Mining")));
+    for (int round = 0; round < 2; ++round) {
+        world.app().handleCallback("zuvo-manager://callback?token=zuvo_link");
+        ASSERT_TRUE(driver->waitFor(tab(1)));
+        EXPECT_TRUE(driver->showsText(QStringLiteral("Story Mining")));
+        const auto* stack = driver->find(QStringLiteral("pageStack"));
+        ASSERT_NE(stack, nullptr);
+        EXPECT_NEAR(stack->mapToScene({0, 0}).x(), 220.5, 0.5); // behind the sidebar and its line
+        world.app().authManager()->signOut();
+        EXPECT_TRUE(driver->shows(QStringLiteral("browserButton")));
+        EXPECT_EQ(driver->findEvenDisabled(tab(1)), nullptr);
+        EXPECT_EQ(driver->find(QStringLiteral("page"))->x(), 0.0);
+    }
+}
+
 // The account's page
 
 TEST_F(ShellTest, theAccountIsAskedForWhenItsPageIsShown) {

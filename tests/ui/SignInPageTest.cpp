@@ -1,6 +1,9 @@
 #include "platform/Http.h"
 #include "ui/ShellFixture.h"
+#include "ui/SignInViewModel.h"
 
+#include <QTest>
+#include <algorithm>
 #include <filesystem>
 
 // The page that stands until somebody is signed in, under the hands of a user.
@@ -21,6 +24,9 @@ protected:
     void openTokenField() {
         driver->click(QStringLiteral("tokenChoiceButton"));
         ASSERT_TRUE(waitForFocus(QStringLiteral("tokenField")));
+        // It comes gently: at the very first there is nothing to be seen of it.
+        ASSERT_TRUE(
+            waitUntil([this] { return driver->findEvenDisabled(QStringLiteral("submitTokenButton")) != nullptr; }));
     }
     [[nodiscard]] QString typedToken() {
         const auto* field = driver->findEvenDisabled(QStringLiteral("tokenField"));
@@ -79,6 +85,53 @@ TEST_F(SignInPageTest, returnInTheFieldSubmitsTheToken) {
     driver->type(QStringLiteral("zuvo_abc"));
     driver->press(Qt::Key_Return);
     EXPECT_TRUE(waitForMainLayout());
+}
+
+TEST_F(SignInPageTest, theTokenFieldComesAndGoesGently) {
+    launchSignedOut();
+    const auto* middle = driver->find(QStringLiteral("signInMiddle"));
+    ASSERT_NE(middle, nullptr);
+    EXPECT_EQ(middle->opacity(), 1.0) << "the first showing is no change";
+    auto* page = world.page<SignInViewModel>();
+    for (const auto* comes : {"tokenField", "browserButton"}) {
+        std::vector<double> opacities;
+        const auto watching = QObject::connect(middle, &QQuickItem::opacityChanged, middle,
+                                               [&] { opacities.push_back(middle->opacity()); });
+        page->toggleTokenField();
+        EXPECT_EQ(middle->opacity(), 0.0) << comes;
+        EXPECT_TRUE(waitUntil([middle] { return middle->opacity() == 1.0; })) << comes;
+        EXPECT_TRUE(driver->shows(QLatin1String(comes)));
+        QObject::disconnect(watching);
+        EXPECT_TRUE(std::is_sorted(opacities.begin(), opacities.end())) << comes;
+    }
+}
+
+TEST_F(SignInPageTest, theWaitingIsThereAtOnce) {
+    launchSignedOut();
+    const auto* middle = driver->find(QStringLiteral("signInMiddle"));
+    world.page<SignInViewModel>()->signInWithBrowser();
+    EXPECT_EQ(middle->opacity(), 1.0);
+    EXPECT_TRUE(driver->shows(QStringLiteral("cancelWaitingButton")));
+    // Also in the middle of a change.
+    world.page<SignInViewModel>()->cancelWaiting();
+    world.page<SignInViewModel>()->toggleTokenField();
+    world.page<SignInViewModel>()->signInWithBrowser();
+    EXPECT_EQ(middle->opacity(), 1.0);
+    EXPECT_TRUE(driver->shows(QStringLiteral("cancelWaitingButton")));
+}
+
+TEST_F(SignInPageTest, aPressedButtonSinksAndComesBack) {
+    launchSignedOut();
+    const auto* button = driver->find(QStringLiteral("browserButton"));
+    ASSERT_NE(button, nullptr);
+    const auto place = button->mapToScene({button->width() / 2, button->height() / 2}).toPoint();
+    EXPECT_EQ(button->scale(), 1.0);
+    QTest::mousePress(&driver->window(), Qt::LeftButton, Qt::NoModifier, place);
+    EXPECT_TRUE(waitUntil([button] { return button->scale() == 0.98 && button->property("sunk").toDouble() == 1.0; }));
+    QTest::mouseMove(&driver->window(), {5, 5});
+    QTest::mouseRelease(&driver->window(), Qt::LeftButton, Qt::NoModifier, {5, 5});
+    EXPECT_TRUE(waitUntil([button] { return button->scale() == 1.0 && button->property("sunk").toDouble() == 0.0; }));
+    EXPECT_THAT(world.desktop->urls, IsEmpty()) << "let go beside it, it is not clicked";
 }
 
 TEST_F(SignInPageTest, theButtonIsDisabledWhileTheFieldIsEmpty) {

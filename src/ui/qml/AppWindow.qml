@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// The one window: no title bar of the desktop's, but a strip to move it by, its own buttons, and edges to resize it.

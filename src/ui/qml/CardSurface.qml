@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// A rounded fill with a light gradient over it and a border that may change from top to bottom.

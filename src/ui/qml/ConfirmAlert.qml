@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic as Controls
 import QtQuick.Templates as T
-import QtQuick.Window
 import Zuvo
 
 /// Asks before something that cannot be taken back. Escape keeps things as they are; Return presses the button that the

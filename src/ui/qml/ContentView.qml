@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// The sign-in page, or the sidebar beside the page of its chosen entry.
@@ -12,16 +11,14 @@ FocusScope {
         anchors.fill: parent
         color: Theme.background
     }
-    Sidebar {
+    Loader {
         id: sidebar
-        visible: view.content.isSignedIn
         width: 220
         height: parent.height
-        content: view.content
     }
     Rectangle {
         id: separator
-        visible: sidebar.visible
+        visible: view.content.isSignedIn
         x: sidebar.width
         width: Hairline.width(Screen.devicePixelRatio)
         height: parent.height
@@ -30,7 +27,7 @@ FocusScope {
     Loader {
         id: page
         objectName: "page"
-        readonly property real inset: sidebar.visible ? sidebar.width + separator.width : 0
+        readonly property real inset: view.content.isSignedIn ? sidebar.width + separator.width : 0
         x: inset
         width: parent.width - inset
         height: parent.height
@@ -38,6 +35,10 @@ FocusScope {
     }
 
     function showPage() {
+        if (!content.isSignedIn)
+            sidebar.source = "";
+        else if (sidebar.item === null)
+            sidebar.setSource("Sidebar.qml", { "content": content });
         if (content.pageName === "")
             page.source = "";
         else

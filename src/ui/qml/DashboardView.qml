@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Window
 import Zuvo
 
 /// The account: who is signed in, credits, plan.

@@ -27,7 +27,7 @@ Row {
         wrapMode: Text.Wrap
         maximumLineCount: 8
         elide: Text.ElideRight
-        font: Theme.textFont(13, Font.Medium)
+        font: Theme.subheadline()
         color: Theme.error
     }
 }

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Window
 import Zuvo
 
 /// Installs and removes the Resolve plugin.

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// The pickaxe as square pixels, twelve to an edge.

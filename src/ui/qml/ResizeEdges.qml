@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 
 /// The edges and corners by which a window without a frame is resized: by the window manager if it can, else by hand.
 Item {

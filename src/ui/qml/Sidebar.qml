@@ -1,6 +1,5 @@
 import QtQuick
-import QtQuick.Window
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 import Zuvo
 
 /// Where to go, and which version this is.
@@ -25,14 +24,14 @@ FocusScope {
             size: 22
             anchors.verticalCenter: parent.verticalCenter
         }
-        Label {
+        T.Label {
             anchors.verticalCenter: parent.verticalCenter
             text: "Zuvo"
             color: Theme.foreground
             font: Qt.font({ "family": Fonts.rounded, "pixelSize": 20, "weight": Font.Bold })
         }
     }
-    Label {
+    T.Label {
         id: claim
         x: 20
         anchors.top: logo.bottom
@@ -84,13 +83,13 @@ FocusScope {
             radius: 3
             color: Theme.success
         }
-        Label {
+        T.Label {
             text: "Connected"
             font: Theme.textFont(11, Font.Medium)
             color: Theme.faded(Theme.textMuted, 0.7)
         }
     }
-    Label {
+    T.Label {
         id: version
         x: 20
         anchors.bottom: parent.bottom

@@ -9,7 +9,12 @@ PlainButton {
     required property string label
     required property bool isSelected
     readonly property bool isHovered: hovered
-    readonly property color ink: isSelected ? Theme.foreground : isHovered ? Theme.textSecondary : Theme.textMuted
+
+    // How far it has come on its way to being chosen, and to being pointed at.
+    property real chosen: isSelected ? 1 : 0
+    property real lit: isHovered ? 1 : 0
+    Behavior on chosen { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
+    Behavior on lit { NumberAnimation { duration: 150; easing.type: Easing.InOutQuad } }
 
     text: label
     implicitHeight: 36
@@ -18,10 +23,7 @@ PlainButton {
 
     background: Rectangle {
         radius: Theme.radiusSm
-        color: item.isSelected ? Theme.faded(Theme.torchGlow, 0.08)
-                               : item.isHovered ? Theme.faded(Theme.foreground, 0.03)
-                                                : Theme.faded(Theme.foreground, 0)
-        Behavior on color { ColorAnimation { duration: item.isSelected ? 200 : 150; easing.type: Easing.InOutQuad } }
+        color: Theme.between(Theme.faded(Theme.foreground, 0.03 * item.lit), Theme.faded(Theme.torchGlow, 0.08), item.chosen)
     }
     contentItem: Item {
         Rectangle {
@@ -32,8 +34,7 @@ PlainButton {
             height: 18
             radius: 1.5
             color: Theme.torchGlow
-            opacity: item.isSelected ? 1 : 0
-            Behavior on opacity { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
+            opacity: item.chosen
         }
         Item {
             id: iconBox
@@ -44,7 +45,9 @@ PlainButton {
                 anchors.centerIn: parent
                 name: item.iconName
                 size: 15
-                color: item.ink
+                weight: item.isSelected ? Font.DemiBold : Font.Normal
+                // A drawing has one colour at a time: it is made anew for each.
+                color: item.isSelected ? Theme.foreground : item.isHovered ? Theme.textSecondary : Theme.textMuted
             }
         }
         Text {
@@ -54,8 +57,7 @@ PlainButton {
             text: item.label
             elide: Text.ElideRight
             font: Theme.textFont(13, item.isSelected ? Font.DemiBold : Font.Normal)
-            color: item.ink
-            Behavior on color { ColorAnimation { duration: 150; easing.type: Easing.InOutQuad } }
+            color: Theme.between(Theme.between(Theme.textMuted, Theme.textSecondary, item.lit), Theme.foreground, item.chosen)
         }
     }
 }

@@ -1,6 +1,5 @@
 import QtQuick
-import QtQuick.Window
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 import Zuvo
 
 /// Stands until somebody is signed in.
@@ -56,7 +55,7 @@ FocusScope {
                 }
             }
             Item { width: 1; height: 28 }
-            Label {
+            T.Label {
                 anchors.horizontalCenter: parent.horizontalCenter
                 // The space behind the last letter is no part of the word.
                 anchors.horizontalCenterOffset: 4
@@ -65,14 +64,14 @@ FocusScope {
                 color: Theme.accent
             }
             Item { width: 1; height: 28 }
-            Label {
+            T.Label {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "Welcome to Zuvo"
                 font: Theme.title()
                 color: Theme.foreground
             }
             Item { width: 1; height: Theme.spacing12 }
-            Label {
+            T.Label {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "Sign in to manage your plugin and credits"
                 font: Theme.subheadline()
@@ -81,12 +80,9 @@ FocusScope {
             Item { width: 1; height: 42 }
             Loader {
                 id: middle
+                objectName: "signInMiddle"
                 width: parent.width
                 focus: true
-                sourceComponent: view.model.stage === "waiting" ? callbackWaitingView
-                               : view.model.stage === "token" ? tokenInputSection : choices
-                opacity: status === Loader.Ready ? 1 : 0
-                Behavior on opacity { NumberAnimation { duration: 250; easing.type: Easing.InOutQuad } }
             }
             Item { width: 1; height: Theme.spacing20; visible: errorView.visible }
             ErrorLine {
@@ -99,144 +95,40 @@ FocusScope {
         }
     }
 
-    Component {
-        id: choices
-        FocusScope {
-            focus: true
-            implicitHeight: choicesColumn.implicitHeight
-            Column {
-                id: choicesColumn
-                width: parent.width
-                spacing: Theme.spacing20
-                PrimaryButtonStyle {
-                    objectName: "browserButton"
-                    width: parent.width
-                    text: "Sign in with Google"
-                    symbolName: "globe"
-                    symbolSize: 15
-                    focus: true
-                    onClicked: view.model.signInWithBrowser()
-                }
-                Item {
-                    width: parent.width
-                    height: orLabel.implicitHeight
-                    Rectangle {
-                        anchors { left: parent.left; right: orLabel.left; rightMargin: 12; verticalCenter: parent.verticalCenter }
-                        height: Hairline.width(Screen.devicePixelRatio)
-                        color: Theme.faded(Theme.border, 0.5)
-                    }
-                    Label {
-                        id: orLabel
-                        anchors.horizontalCenter: parent.horizontalCenter
-                        text: "or"
-                        font: Theme.caption()
-                        color: Theme.textMuted
-                    }
-                    Rectangle {
-                        anchors { left: orLabel.right; leftMargin: 12; right: parent.right; verticalCenter: parent.verticalCenter }
-                        height: Hairline.width(Screen.devicePixelRatio)
-                        color: Theme.faded(Theme.border, 0.5)
-                    }
-                }
-                SecondaryButtonStyle {
-                    objectName: "tokenChoiceButton"
-                    width: parent.width
-                    text: "Sign in with token"
-                    symbolName: "key.fill"
-                    symbolSize: 12
-                    onClicked: view.model.toggleTokenField()
-                }
-            }
-        }
+    NumberAnimation {
+        id: flip
+        target: middle
+        property: "opacity"
+        from: 0
+        to: 1
+        duration: 250
+        easing.type: Easing.InOutQuad
     }
 
-    Component {
-        id: callbackWaitingView
-        FocusScope {
-            focus: true
-            implicitHeight: waitingColumn.implicitHeight
-            Keys.onEscapePressed: view.model.cancelWaiting()
-            Column {
-                id: waitingColumn
-                width: parent.width
-                spacing: Theme.spacing24
-                Spinner { anchors.horizontalCenter: parent.horizontalCenter }
-                Label {
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: "Waiting for browser sign-in..."
-                    font: Theme.subheadline()
-                    color: Theme.textMuted
-                }
-                TextButton {
-                    objectName: "cancelWaitingButton"
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: "Cancel"
-                    focus: true
-                    onClicked: view.model.cancelWaiting()
-                }
-            }
-        }
+    /// Each in a file of its own, so that a start loads what it shows and no more.
+    readonly property var middleFiles: ({
+        "choices": "SignInChoices.qml", "token": "TokenInputSection.qml", "waiting": "CallbackWaitingView.qml"
+    })
+
+    function showStage() {
+        middle.setSource(middleFiles[model.stage], { "model": model, "focus": true });
     }
 
-    Component {
-        id: tokenInputSection
-        FocusScope {
-            focus: true
-            implicitHeight: tokenColumn.implicitHeight
-            Keys.onEscapePressed: view.model.toggleTokenField()
-            Column {
-                id: tokenColumn
-                width: parent.width
-                Label {
-                    text: "API Token"
-                    font: Theme.textFont(12, Font.Medium)
-                    color: Theme.textMuted
-                }
-                Item { width: 1; height: Theme.spacing8 }
-                TextField {
-                    id: tokenField
-                    objectName: "tokenField"
-                    width: parent.width
-                    height: 44
-                    leftPadding: Theme.spacing16
-                    rightPadding: Theme.spacing16
-                    focus: true
-                    text: view.model.manualToken
-                    placeholderText: "zuvo_xxxxxxxxxxxx"
-                    placeholderTextColor: Theme.faded(Theme.textMuted, 0.5)
-                    font: Theme.mono(12)
-                    color: Theme.foreground
-                    selectionColor: Theme.accent
-                    selectedTextColor: "white"
-                    // A token is no word of any language.
-                    inputMethodHints: Qt.ImhNoPredictiveText | Qt.ImhNoAutoUppercase | Qt.ImhSensitiveData
-                    Accessible.name: "API Token"
-                    onTextEdited: view.model.manualToken = text
-                    onAccepted: view.model.submitToken()
-                    background: Rectangle {
-                        radius: Theme.radiusSm
-                        color: Theme.muted
-                        border.width: tokenField.activeFocus ? 1 : Hairline.width(Screen.devicePixelRatio)
-                        border.color: tokenField.activeFocus ? Theme.faded(Theme.accent, 0.5)
-                                                             : Theme.faded(Theme.border, 0.5)
-                    }
-                }
-                Item { width: 1; height: Theme.spacing16 }
-                PrimaryButtonStyle {
-                    objectName: "submitTokenButton"
-                    width: parent.width
-                    text: view.model.tokenButtonText
-                    enabled: view.model.canSubmitToken
-                    onClicked: view.model.submitToken()
-                }
-                Item { width: 1; height: Theme.spacing12 }
-                TextButton {
-                    objectName: "tokenBackButton"
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: "Back"
-                    onClicked: view.model.toggleTokenField()
-                }
-            }
+    property string stageBefore: ""
+    Connections {
+        target: view.model
+        function onStageChanged() {
+            view.showStage();
+            // The token field comes and goes gently; the waiting is there at once.
+            if (view.stageBefore !== "waiting" && view.model.stage !== "waiting")
+                flip.restart();
+            else
+                flip.complete();
+            view.stageBefore = view.model.stage;
         }
+    }
+    Component.onCompleted: {
+        stageBefore = model.stage;
+        showStage();
     }
 }

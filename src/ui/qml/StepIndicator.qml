@@ -64,6 +64,7 @@ Item {
                                 visible: step.isPassed
                                 name: "checkmark"
                                 size: 10
+                                weight: Font.Bold
                                 color: Theme.success
                             }
                             Text {

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// What the three styles of large buttons share: a symbol and a text, a size that gives way under the finger.
@@ -29,19 +28,34 @@ PlainButton {
     opacity: enabled ? 1 : 0.45
 
     Behavior on scale {
-        // response 0.25 s, damping fraction 0.7
+        // Response 0.25 s, damping fraction 0.7, in the animation's own steps of 16 ms.
         SpringAnimation { spring: 7.6; damping: 0.43; epsilon: 0.0005 }
     }
     Behavior on sunk { NumberAnimation { duration: 150; easing.type: Easing.InOutQuad } }
 
     background: Item {
-        SoftShadow {
+        // One shadow gives way to the other: a blur is too dear to be drawn for each step between them.
+        Loader {
             anchors.fill: parent
-            visible: button.shadowColor.a > 0 && button.enabled
-            cornerRadius: button.cornerRadius
-            color: Theme.faded(button.shadowColor, button.down ? 0.15 : 0.3)
-            radius: button.down ? 5 : button.shadowRadius
-            offsetY: 6 - 4 * button.sunk
+            active: button.shadowColor.a > 0 && button.enabled
+            opacity: 1 - button.sunk
+            sourceComponent: SoftShadow {
+                cornerRadius: button.cornerRadius
+                color: Theme.faded(button.shadowColor, 0.3)
+                radius: button.shadowRadius
+                offsetY: 6 - 4 * button.sunk
+            }
+        }
+        Loader {
+            anchors.fill: parent
+            active: button.shadowColor.a > 0 && button.enabled && button.sunk > 0
+            opacity: button.sunk
+            sourceComponent: SoftShadow {
+                cornerRadius: button.cornerRadius
+                color: Theme.faded(button.shadowColor, 0.15)
+                radius: 5
+                offsetY: 6 - 4 * button.sunk
+            }
         }
         Rectangle {
             anchors.fill: parent

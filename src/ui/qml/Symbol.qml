@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// A symbol by its name, in one colour. A symbol of size n stands in a box of 1.2 n.
@@ -9,6 +8,8 @@ Item {
     property string name: ""
     property real size: 16
     property color color: Theme.foreground
+    property int weight: Font.Normal
+    readonly property string boldness: weight >= Font.Bold ? "/bold" : weight >= Font.DemiBold ? "/semibold" : ""
 
     implicitWidth: Math.round(size * 1.2)
     implicitHeight: implicitWidth
@@ -21,7 +22,7 @@ Item {
         readonly property int pixels: Math.round(edge * Screen.devicePixelRatio)
         sourceSize.width: pixels
         sourceSize.height: pixels
-        source: symbol.name === "" ? "" : "image://symbols/" + symbol.name + "/" + symbol.color
+        source: symbol.name === "" ? "" : "image://symbols/" + symbol.name + "/" + symbol.color + symbol.boldness
         smooth: true
     }
 }

@@ -92,6 +92,12 @@ QtObject {
     /// The colour at that opacity.
     function faded(color, opacity) { return Qt.alpha(color, opacity); }
 
+    /// The colour at that share of the way from `from` to `to`; their opacities go along.
+    function between(from, to, share) {
+        return Qt.rgba(from.r + (to.r - from.r) * share, from.g + (to.g - from.g) * share,
+                       from.b + (to.b - from.b) * share, from.a + (to.a - from.a) * share);
+    }
+
     /// Text of any size and weight; tracking is the space added between letters.
     function textFont(size, weight, tracking) {
         return Qt.font({

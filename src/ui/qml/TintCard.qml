@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Zuvo
 
 /// A flat card in a tint of one colour, with a fine border of the same.

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 
 /// A strip at the top by which the window is moved; a double click makes it as large as the screen and back.
 Item {

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Window
 import Zuvo
 
 /// Looks for a newer plugin and installs it.

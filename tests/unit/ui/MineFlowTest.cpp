@@ -413,11 +413,16 @@ TEST_F(MineFlow, onShowingTheProjectsAreListedBeforeResolveIsAsked) {
     (void)givenAFinishedMine();
     newFlow();
     tools->requests.clear();
+    std::size_t projectsAtTheQuestion = 0;
+    calls->inside = [this, &projectsAtTheQuestion](std::size_t) {
+        projectsAtTheQuestion = flow->savedProjects().size();
+    };
     flow->show();
+    EXPECT_TRUE(flow->savedProjects().empty()); // the page stands first
+    ASSERT_TRUE(waitUntil([this] { return flow->resolveBridge()->statusMessage() != "Not connected"; }));
+    EXPECT_EQ(projectsAtTheQuestion, 1U);
     ASSERT_EQ(flow->savedProjects().size(), 1U);
     EXPECT_EQ(flow->savedProjects().front().timeline, "Dropped Files (2)");
-    EXPECT_THAT(tools->requests, IsEmpty());
-    ASSERT_TRUE(waitUntil([this] { return flow->resolveBridge()->statusMessage() != "Not connected"; }));
     EXPECT_FALSE(flow->resolveBridge()->isConnected());
     turn();
     EXPECT_EQ(tools->requests.size(), 1U); // without a connection the timelines are not asked for

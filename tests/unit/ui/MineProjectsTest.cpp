@@ -167,7 +167,7 @@ TEST_F(MineProjects, theProjectThatAMineSavedCanBeLoadedByTheNextFlow) {
     pipeline = LocalPipeline::create(platform);
     newFlow();
     flow->show();
-    ASSERT_EQ(flow->savedProjects().size(), 1U);
+    ASSERT_TRUE(waitUntil([this] { return flow->savedProjects().size() == 1; }));
     flow->loadProject(flow->savedProjects().front());
     EXPECT_EQ(flow->currentStep(), MineStep::review);
     EXPECT_EQ(flow->mediaPaths(), footage);

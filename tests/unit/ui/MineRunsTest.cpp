@@ -169,6 +169,35 @@ TEST_F(MineRuns, theStyleIsReadWhenTheRunBegins) {
     EXPECT_THAT(modelRequest(), Not(HasSubstr("Said too late")));
 }
 
+TEST_F(MineRuns, filesThatAreTakenAwayBeforeTheRunBeginsAreMinedAsTheyWereChosen) {
+    givenDroppedFootage();
+    flow->styleNext();
+    flow->setDroppedFiles({});
+    flow->setSourceMode(SourceMode::resolve);
+    ASSERT_TRUE(runEnds());
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    EXPECT_EQ(firstLine(), "[dim] $ zuvo mine --files 2 --mode full-mine");
+}
+
+TEST_F(MineRuns, aTimelineThatIsTakenBackBeforeTheRunBeginsIsMinedAsItWasChosen) {
+    givenTimeline("Cut");
+    givenServicesAnswer();
+    flow->styleNext();
+    flow->setSelectedTimeline(std::nullopt);
+    ASSERT_TRUE(runEnds());
+    EXPECT_EQ(pipeline->step(), PipelineStep::complete);
+    EXPECT_EQ(tools->requests.front().arguments.at(1), timelineMediaScript("/resolve/Modules", "Cut").value_or(""));
+}
+
+TEST_F(MineRuns, anAuditWhoseTimelineIsTakenBackBeforeItBeginsReadsTheOneChosen) {
+    givenTimeline("Cut");
+    flow->setSelectedMode(MiningMode::audit);
+    flow->startAudit();
+    flow->setSelectedTimeline(std::nullopt);
+    ASSERT_TRUE(runEnds());
+    EXPECT_EQ(firstLine(), "[dim] $ zuvo audit --timeline Cut");
+}
+
 TEST_F(MineRuns, filesAreMinedWhateverProjectIsLoadedAndEvenInAuditMode) {
     givenDroppedFootage();
     flow->loadProject(projectCalled("Old"));
@@ -412,6 +441,41 @@ TEST_F(MineRuns, anAuditThatIsCancelledOrLeftBehindMovesNoFlow) {
             turn();
             EXPECT_EQ(pipeline->step(), PipelineStep::complete) << call;
             EXPECT_TRUE(pipeline->auditReport());
+            if (!isGone) {
+                EXPECT_EQ(flow->currentStep(), MineStep::style) << call;
+            }
+        }
+    }
+}
+
+TEST_F(MineRuns, aProjectThatIsToldAnewGoesOnToItsEndWhenItIsCancelledOrLeftBehindAtAnyCall) {
+    const auto begin = [this] {
+        newFlow();
+        flow->setSourceMode(SourceMode::resolve);
+        flow->loadProject(projectCalled("Old"));
+        givenStory(fixtureStory);
+        flow->styleNext();
+    };
+    begin();
+    ASSERT_TRUE(runEnds());
+    turn();
+    const auto callsOfARun = calls->count();
+    ASSERT_GE(callsOfARun, 2U); // the model, and the build at its end
+    for (const bool isGone : {false, true}) {
+        for (std::size_t call = 1; call <= callsOfARun; ++call) {
+            const auto before = calls->count();
+            calls->inside = [this, isGone, before, call](std::size_t number) {
+                if (number != before + call)
+                    return;
+                if (isGone)
+                    flow.reset();
+                else
+                    flow->cancelMining();
+            };
+            begin();
+            ASSERT_TRUE(waitUntil([&] { return calls->count() == before + callsOfARun; })) << call;
+            turn();
+            EXPECT_EQ(pipeline->step(), PipelineStep::complete) << call;
             if (!isGone) {
                 EXPECT_EQ(flow->currentStep(), MineStep::style) << call;
             }

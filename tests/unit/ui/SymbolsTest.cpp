@@ -142,10 +142,37 @@ TEST(Symbols, thePagesAskByNameAndColour) {
     EXPECT_EQ(provider.requestImage(QStringLiteral("checkmark/#ff0000"), nullptr, QSize()).size(), QSize(16, 16));
 }
 
+TEST(Symbols, aHeavierSymbolHasMoreInkInTheSameColour) {
+    SymbolProvider provider;
+    const QSize edge(64, 64);
+    for (const auto& name : symbolNames()) {
+        const auto inkOf = [&](const char* weight) {
+            const auto image =
+                provider.requestImage(name + QStringLiteral("/#123456") + QLatin1String(weight), nullptr, edge);
+            EXPECT_EQ(image.size(), edge);
+            long ink = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const auto pixel = image.pixelColor(x, y);
+                    ink += pixel.alpha();
+                    if (pixel.alpha() == 255) {
+                        EXPECT_EQ(pixel.name(), QStringLiteral("#123456"));
+                    }
+                }
+            }
+            return ink;
+        };
+        const auto regular = inkOf("");
+        const auto semibold = inkOf("/semibold");
+        EXPECT_GT(semibold, regular) << name.toStdString();
+        EXPECT_GT(inkOf("/bold"), semibold) << name.toStdString();
+    }
+}
+
 TEST(Symbols, anIdThatIsNoneGivesNoImage) {
     SymbolProvider provider;
     for (const auto* id : {"", "/", "//", "checkmark", "checkmark/", "checkmark/no colour", "no.such/#ff0000",
-                           "checkmark/#ff0000/", "a/b/c/d"}) {
+                           "checkmark/#ff0000/", "a/b/c/d", "checkmark/#ff0000/light", "checkmark/#ff0000/bold/bold"}) {
         QSize size(1, 1);
         EXPECT_TRUE(provider.requestImage(QString::fromUtf8(id), &size, QSize(16, 16)).isNull()) << id;
         EXPECT_TRUE(size.isEmpty()) << id;

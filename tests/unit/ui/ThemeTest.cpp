@@ -170,3 +170,13 @@ TEST_F(ThemeTest, aColourFadesToTheOpacityThatIsAskedFor) {
     EXPECT_EQ(color("theme.faded(theme.accent, 1)"), "#e8440a");
     EXPECT_EQ(color("theme.faded(theme.cardBorder, 0.2)"), "#33f5e6c8"); // in place of the colour's own
 }
+
+TEST_F(ThemeTest, aColourBetweenTwoLiesAtItsShareOfTheWay) {
+    const auto between = [this](const std::string& from, const std::string& to, const std::string& share) {
+        return color("theme.between(" + from + ", " + to + ", " + share + ")");
+    };
+    EXPECT_EQ(between("theme.background", "theme.accent", "0"), "#1a1612");
+    EXPECT_EQ(between("theme.background", "theme.accent", "1"), "#e8440a");
+    EXPECT_EQ(between("Qt.rgba(0, 0, 0, 1)", "Qt.rgba(1, 0.4, 0.2, 1)", "0.5"), "#80331a"); // 127.5, 51, 25.5
+    EXPECT_EQ(between("theme.faded('#ff0000', 0)", "theme.faded('#ff0000', 0.8)", "0.5"), "#66ff0000"); // 102
+}

@@ -17,6 +17,18 @@ FocusScope {
         if (width > 0 && height > 0)
             map.initializePositions(width, height);
     }
+    /// Gives the keyboard to the card at that place of the story, or to the nearest there is.
+    function choose(index) {
+        const card = cards.itemAt(Math.max(0, Math.min(index, cards.count - 1)));
+        if (card)
+            card.forceActiveFocus(Qt.TabFocusReason);
+        else
+            view.forceActiveFocus();
+    }
+    property int chosen: -1 ///< the card that has the keyboard
+    Keys.onUpPressed: choose(chosen - 1)
+    Keys.onDownPressed: choose(chosen + 1)
+
     onWidthChanged: place()
     onHeightChanged: place()
     Component.onCompleted: place()
@@ -44,7 +56,6 @@ FocusScope {
         anchors.fill: parent
         property real pressX: 0
         property real pressY: 0
-        preventStealing: true
         cursorShape: pressed ? Qt.ClosedHandCursor : Qt.ArrowCursor
         onPressed: mouse => {
             pressX = mouse.x;
@@ -113,11 +124,12 @@ FocusScope {
         }
 
         Repeater {
+            id: cards
             model: view.map
             delegate: MapSegmentCard {
                 id: card
                 required property int index
-                required property int segmentId
+                required property double segmentId
                 required property real centerX
                 required property real centerY
 
@@ -126,13 +138,24 @@ FocusScope {
                 y: centerY - height / 2
                 z: mover.isMoving ? 2 : isHovered ? 1 : 0
                 onPlayed: view.model.togglePlay(segmentId)
-                onRemoved: view.model.deleteSegment(index)
+                onRemoved: {
+                    const hadKeyboard = activeFocus;
+                    const place = index;
+                    view.model.deleteSegment(place);
+                    if (hadKeyboard)
+                        view.choose(place);
+                }
+                onActiveFocusChanged: {
+                    if (activeFocus)
+                        view.chosen = index;
+                    else if (view.chosen === index)
+                        view.chosen = -1;
+                }
 
                 MouseArea {
                     id: mover
                     anchors.fill: parent
                     z: -1
-                    preventStealing: true
                     property bool isMoving: false
                     property real pressX: 0
                     property real pressY: 0

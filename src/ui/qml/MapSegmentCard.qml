@@ -14,6 +14,7 @@ FocusScope {
     required property bool isPlaying
     readonly property color chapterColor: gem < 0 ? Theme.textMuted : Theme.chapterGems[gem]
     readonly property bool isHovered: hover.hovered || activeFocus
+    rotation: 0 // as it lies on the board
 
     signal played()
     signal removed()

@@ -42,7 +42,8 @@ FocusScope {
             clip: heightAnimation.running
             opacity: drag.isDragging && drag.segmentId === segmentId ? 0.25 : 1
             isChosen: list.activeFocus && view.isByKeyboard && ListView.isCurrentItem
-            captionWords: isPlaying ? view.model.captionWords : []
+            captionWords: isPlaying ? view.model.captionWords : null
+            captionText: isPlaying ? view.model.captionText : ""
             captionProgress: isPlaying ? view.model.captionProgress : 0
             onTapped: {
                 list.currentIndex = index;
@@ -103,11 +104,14 @@ FocusScope {
             x: view.sideMargin
             width: list.width - 2 * view.sideMargin
             height: list.contentHeight
-            preventStealing: true
+            // A finger moves the list, unless it has rested on a card before.
+            property bool isTouch: false
+            preventStealing: isDragging || !isTouch
+            pressAndHoldInterval: 500
 
             property bool isDragging: false
-            property int segmentId: -1
-            property int enteredId: -1        ///< the card that the pointer came over last
+            property double segmentId: -1
+            property double enteredId: -1     ///< the card that the pointer came over last
             property real grip: 0             ///< of the pointer below the card's upper edge
             property real pressX: 0
             property real pressY: 0
@@ -144,6 +148,7 @@ FocusScope {
             }
 
             onPressed: mouse => {
+                isTouch = mouse.source !== Qt.MouseEventNotSynthesized;
                 view.isByKeyboard = false;
                 list.forceActiveFocus();
                 pressX = mouse.x;
@@ -152,10 +157,16 @@ FocusScope {
             }
             onPositionChanged: mouse => {
                 pointerY = mouse.y - list.contentY;
-                if (!isDragging && Math.hypot(mouse.x - pressX, mouse.y - pressY) > threshold)
+                if (!isDragging && !isTouch && Math.hypot(mouse.x - pressX, mouse.y - pressY) > threshold)
                     begin();
                 if (isDragging)
                     follow();
+            }
+            onPressAndHold: mouse => {
+                if (isTouch && !isDragging)
+                    begin();
+                else
+                    mouse.accepted = false; // a click after all
             }
             onReleased: end()
             onCanceled: end()

@@ -191,6 +191,7 @@ TEST_F(ReviewWindow, afterARemovalTheKeyboardIsOnTheCardThatFollows) {
     for (int i = 0; i < 20; ++i)
         driver->press(Qt::Key_Down);
     driver->press(Qt::Key_Delete); // the last one
+    settle();
     driver->press(Qt::Key_Delete); // the last one left
     EXPECT_THAT(order(), ElementsAre(0, 3, 4, 5, 6, 7, 8));
 }

@@ -25,9 +25,22 @@ FocusScope {
         else
             view.forceActiveFocus();
     }
-    property int chosen: -1 ///< the card that has the keyboard
-    Keys.onUpPressed: choose(chosen - 1)
-    Keys.onDownPressed: choose(chosen + 1)
+    /// The place of the card that has the keyboard, or -1.
+    function chosen() {
+        for (let i = 0; i < cards.count; ++i) {
+            if (cards.itemAt(i)?.activeFocus)
+                return i;
+        }
+        return -1;
+    }
+    function remove(index) {
+        const hadKeyboard = chosen() === index;
+        model.deleteSegment(index);
+        if (hadKeyboard)
+            choose(index);
+    }
+    Keys.onUpPressed: choose(chosen() - 1)
+    Keys.onDownPressed: choose(chosen() + 1)
 
     onWidthChanged: place()
     onHeightChanged: place()
@@ -138,19 +151,7 @@ FocusScope {
                 y: centerY - height / 2
                 z: mover.isMoving ? 2 : isHovered ? 1 : 0
                 onPlayed: view.model.togglePlay(segmentId)
-                onRemoved: {
-                    const hadKeyboard = activeFocus;
-                    const place = index;
-                    view.model.deleteSegment(place);
-                    if (hadKeyboard)
-                        view.choose(place);
-                }
-                onActiveFocusChanged: {
-                    if (activeFocus)
-                        view.chosen = index;
-                    else if (view.chosen === index)
-                        view.chosen = -1;
-                }
+                onRemoved: view.remove(index)
 
                 MouseArea {
                     id: mover

@@ -105,8 +105,8 @@ FocusScope {
             width: list.width - 2 * view.sideMargin
             height: list.contentHeight
             // A finger moves the list, unless it has rested on a card before.
-            property bool isTouch: false
-            preventStealing: isDragging || !isTouch
+            property bool isMouse: false
+            preventStealing: isDragging || isMouse
             pressAndHoldInterval: 500
 
             property bool isDragging: false
@@ -140,6 +140,7 @@ FocusScope {
                 view.model.dropEntered(item.segmentId);
             }
             function end() {
+                isMouse = false;
                 if (!isDragging)
                     return;
                 isDragging = false;
@@ -148,7 +149,7 @@ FocusScope {
             }
 
             onPressed: mouse => {
-                isTouch = mouse.source !== Qt.MouseEventNotSynthesized;
+                isMouse = mouse.source === Qt.MouseEventNotSynthesized;
                 view.isByKeyboard = false;
                 list.forceActiveFocus();
                 pressX = mouse.x;
@@ -157,13 +158,13 @@ FocusScope {
             }
             onPositionChanged: mouse => {
                 pointerY = mouse.y - list.contentY;
-                if (!isDragging && !isTouch && Math.hypot(mouse.x - pressX, mouse.y - pressY) > threshold)
+                if (!isDragging && isMouse && Math.hypot(mouse.x - pressX, mouse.y - pressY) > threshold)
                     begin();
                 if (isDragging)
                     follow();
             }
             onPressAndHold: mouse => {
-                if (isTouch && !isDragging)
+                if (!isMouse && !isDragging)
                     begin();
                 else
                     mouse.accepted = false; // a click after all

@@ -118,26 +118,27 @@ std::vector<double> heard(const QByteArray& sound) {
 /// Where in the hiss a piece of it begins, in seconds: the place at which the two are most alike. Nothing if it is like
 /// it nowhere.
 std::optional<double> placeInHiss(std::vector<double> piece) {
-    piece.resize(std::min<std::size_t>(piece.size(), placeRate / 4));
+    constexpr std::size_t enough = 600; // of 75 ms
+    piece.resize(std::min(piece.size(), enough));
     double best = 0.0;
+    double squaresThere = 0.0;
     std::size_t place = 0;
     for (std::size_t at = 0; at + piece.size() <= hiss().size(); ++at) {
         double product = 0.0;
-        double squares = 0.0;
-        for (std::size_t i = 0; i < piece.size(); ++i) {
+        for (std::size_t i = 0; i < piece.size(); ++i)
             product += piece[i] * hiss()[at + i];
-            squares += hiss()[at + i] * hiss()[at + i];
-        }
-        const auto likeness = product / std::sqrt(squares);
-        if (likeness > best) {
-            best = likeness;
+        if (product > best) {
+            best = product;
             place = at;
         }
     }
     double squares = 0.0;
-    for (const auto sample : piece)
-        squares += sample * sample;
-    if (piece.empty() || best < 0.4 * std::sqrt(squares))
+    for (std::size_t i = 0; i < piece.size(); ++i) {
+        squares += piece[i] * piece[i];
+        squaresThere += hiss()[place + i] * hiss()[place + i];
+    }
+    constexpr double alike = 0.5; // 1 is the same sound, louder or not
+    if (best <= 0.0 || best < alike * std::sqrt(squares * squaresThere))
         return std::nullopt;
     return static_cast<double>(place) / placeRate;
 }

@@ -207,8 +207,12 @@ int main(int argc, char** argv) {
     }
     const QGuiApplication application(argc, argv);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
-    list();
-    map();
-    echo();
+    const auto wants = [&](const char* part) { return argc != 2 || std::string(argv[1]) == part; };
+    if (wants("list"))
+        list();
+    if (wants("map"))
+        map();
+    if (wants("echo"))
+        echo();
     return 0;
 }

@@ -96,6 +96,9 @@ FocusScope {
         width: view.width
         height: view.height
         scale: view.map.artboardScale
+        /// The part of the board that the view shows.
+        readonly property rect seen: Qt.rect(width / 2 - (x + width / 2) / scale, height / 2 - (y + height / 2) / scale,
+                                             view.width / scale, view.height / scale)
 
         Repeater {
             model: view.map.clusters
@@ -150,6 +153,8 @@ FocusScope {
                 x: centerX - width / 2
                 y: centerY - height / 2
                 z: mover.isMoving ? 2 : isHovered ? 1 : 0
+                isInSight: x + width + 20 > board.seen.x && x - 20 < board.seen.x + board.seen.width
+                           && y + height + 20 > board.seen.y && y - 20 < board.seen.y + board.seen.height
                 onPlayed: view.model.togglePlay(segmentId)
                 onRemoved: view.remove(index)
 

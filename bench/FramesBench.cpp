@@ -13,6 +13,7 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <algorithm>
+#include <cstdio>
 #include <ctime>
 #include <fmt/format.h>
 #include <functional>
@@ -127,6 +128,7 @@ void report(const char* name, const std::vector<double>& ours, const std::vector
                "worst {:.2f} ms\n",
                name, mean(ours) / mean(baseline), mean(ours), *std::max_element(ours.begin(), ours.end()), late,
                ours.size(), mean(baseline), *std::max_element(baseline.begin(), baseline.end()));
+    std::fflush(stdout);
 }
 
 std::unique_ptr<ReviewPageModel> pageWith(int segments, int lines) {

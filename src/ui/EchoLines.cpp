@@ -4,12 +4,16 @@
 
 #include <QStringMatcher>
 #include <QTextBoundaryFinder>
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
 namespace zuvo {
 
 namespace {
+
+/// Made ready in one turn of the event loop: about a millisecond's work.
+constexpr std::size_t linesAtOnce = 500;
 
 /// A folded text with the place that each of its code units has in the text.
 struct TracedFolding {
@@ -67,6 +71,11 @@ std::vector<TextRun> highlightedText(const QString& text, const QString& search,
     return runs;
 }
 
+EchoLines::EchoLines(QObject* parent) : QAbstractListModel(parent) {
+    m_idle.setInterval(0);
+    connect(&m_idle, &QTimer::timeout, this, [this] { prepare(linesAtOnce); });
+}
+
 int EchoLines::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_shown.size());
 }
@@ -100,6 +109,7 @@ void EchoLines::setTranscript(std::vector<TranscriptSegment> lines) {
     m_foldedSearch.clear();
     m_shown = upTo(m_lines.size());
     endResetModel();
+    m_idle.start();
 }
 
 void EchoLines::setSearch(const QString& search) {
@@ -110,7 +120,7 @@ void EchoLines::setSearch(const QString& search) {
     const bool narrows = !m_foldedSearch.isEmpty() && folded.contains(m_foldedSearch);
     auto candidates = narrows ? m_shown : upTo(m_lines.size());
     if (!folded.isEmpty()) {
-        prepare();
+        prepare(m_lines.size());
         const QStringMatcher matcher(folded);
         std::erase_if(candidates, [&](std::size_t line) { return matcher.indexIn(m_folded[line]) < 0; });
     }
@@ -124,6 +134,7 @@ void EchoLines::setSearch(const QString& search) {
 void EchoLines::setLocale(const QLocale& locale) {
     m_locale = locale;
     m_folded.clear();
+    m_idle.start();
 }
 
 const TranscriptSegment* EchoLines::line(int row) const {
@@ -151,13 +162,13 @@ QString EchoLines::markup(const QString& text) const {
     return marked;
 }
 
-void EchoLines::prepare() {
-    if (m_folded.size() == m_lines.size())
-        return;
-    m_folded.clear();
+void EchoLines::prepare(std::size_t count) {
+    const auto end = std::min(m_lines.size(), m_folded.size() + std::min(count, m_lines.size()));
     m_folded.reserve(m_lines.size());
-    for (const auto& line : m_lines)
-        m_folded.push_back(foldedForSearch(QString::fromStdString(line.text), m_locale));
+    while (m_folded.size() < end)
+        m_folded.push_back(foldedForSearch(QString::fromStdString(m_lines[m_folded.size()].text), m_locale));
+    if (isReady())
+        m_idle.stop();
 }
 
 } // namespace zuvo

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QLocale>
 #include <QString>
+#include <QTimer>
 #include <cstddef>
 #include <qqmlregistration.h>
 #include <vector>
@@ -39,7 +40,7 @@ public:
         Markup, ///< styled text with the matches in `matchColor`
     };
 
-    explicit EchoLines(QObject* parent = nullptr) : QAbstractListModel(parent) {}
+    explicit EchoLines(QObject* parent = nullptr);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -48,6 +49,9 @@ public:
     void setTranscript(std::vector<TranscriptSegment> lines);
     void setSearch(const QString& search);
     void setLocale(const QLocale& locale); ///< the user's by default; before `setSearch`
+
+    /// All lines are ready for a search. They are made ready in idle time, the rest of them at the first search.
+    [[nodiscard]] bool isReady() const { return m_folded.size() == m_lines.size(); }
 
     [[nodiscard]] const TranscriptSegment* line(int row) const; ///< nullptr if there is no such row
 
@@ -59,15 +63,16 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] QString markup(const QString& text) const;
-    /// Done once, at the first search: typing then looks through text that is ready.
-    void prepare();
+    /// Makes up to so many more lines ready: typing then looks through text that is.
+    void prepare(std::size_t count);
 
     std::vector<TranscriptSegment> m_lines;
-    std::vector<QString> m_folded;    ///< of all lines, empty until there is a search
+    std::vector<QString> m_folded;    ///< of the lines that are ready, from the first on
     std::vector<std::size_t> m_shown; ///< places in `m_lines`
     QString m_search;
     QString m_foldedSearch;
     QLocale m_locale;
+    QTimer m_idle;
     QColor m_matchColor = Qt::red;
 };
 

@@ -1,8 +1,11 @@
 #include "ui/QtAudioPlayer.h"
 
 #include "base/Numbers.h"
+#include "platform/SoundDecoding.h"
+#include "ui/PlaybackClock.h"
 
 #include <QAudioOutput>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QMediaPlayer>
 #include <QTimer>
@@ -18,6 +21,7 @@ namespace zuvo {
 namespace {
 
 constexpr double millisecondsPerSecond = 1000.0;
+constexpr double nanosecondsPerSecond = 1e9;
 
 /// A file whose length is not known by then counts as one that cannot be opened.
 constexpr std::chrono::seconds lengthLimit{5};
@@ -26,42 +30,52 @@ QString textOf(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+/// How often the output is filled up and asked how far it is. Well below what it holds ahead.
+constexpr std::chrono::milliseconds feedInterval{20};
+
 class QtAudioPlayer final : public QObject, public AudioPlayer {
 public:
-    QtAudioPlayer(const std::string& path, std::function<void()> failed) : m_failed(std::move(failed)) {
-        m_player.setAudioOutput(&m_output);
-        connect(&m_player, &QMediaPlayer::errorOccurred, this, &QtAudioPlayer::tellOfFailure);
-        connect(&m_player, &QMediaPlayer::seekableChanged, this, &QtAudioPlayer::seekOnce);
-        m_player.setSource(QUrl::fromLocalFile(textOf(path)));
+    QtAudioPlayer(std::string path, const std::string& ffmpeg, std::unique_ptr<SoundOutput> output,
+                  std::function<void()> failed)
+        : m_path(std::move(path)), m_failed(std::move(failed)), m_output(std::move(output)), m_decoding(ffmpeg) {
+        connect(&m_decoding, &SoundDecoding::arrived, this, &QtAudioPlayer::feed);
+        connect(&m_decoding, &SoundDecoding::failed, this, &QtAudioPlayer::tellOfFailure);
+        connect(&m_feedTimer, &QTimer::timeout, this, &QtAudioPlayer::feed);
+        m_time.start();
     }
 
-    void setCurrentTime(double seconds) override { m_seekTo = truncated(seconds * millisecondsPerSecond); }
+    void setCurrentTime(double seconds) override { m_start = seconds; }
 
     void play() override {
-        // What is sought before the file plays is lost, so it plays unheard until it can be sought.
-        m_output.setMuted(m_seekTo.value_or(0) > 0);
-        m_player.play();
-        if (m_player.isSeekable())
-            seekOnce(true);
+        m_decoding.start(m_path, m_start, m_output->format());
+        m_feedTimer.setTimerType(Qt::PreciseTimer);
+        m_feedTimer.start(feedInterval);
     }
 
     void stop() override {
-        m_seekTo.reset(); // stopping tells once more that the file can be sought
-        m_player.stop();
+        m_feedTimer.stop();
+        m_decoding.disconnect(this);
+        m_output.reset();
     }
 
-    [[nodiscard]] double currentTime() const override {
-        return static_cast<double>(m_seekTo.value_or(m_player.position())) / millisecondsPerSecond;
-    }
+    [[nodiscard]] double currentTime() const override { return m_start + m_clock.at(now()); }
 
 private:
-    void seekOnce(bool isSeekable) {
-        if (!isSeekable || !m_seekTo || m_player.playbackState() != QMediaPlayer::PlayingState)
+    void feed() {
+        if (!m_output || (!m_hasBegun && m_decoding.waiting() == 0))
             return;
-        const auto place = *std::exchange(m_seekTo, std::nullopt);
-        if (place > 0)
-            m_player.setPosition(place);
-        m_output.setMuted(false);
+        if (!std::exchange(m_hasBegun, true))
+            m_output->begin();
+        if (m_output->hasFailed()) {
+            stop();
+            tellOfFailure();
+            return;
+        }
+        const auto frame = m_output->format().bytesPerFrame();
+        const auto room = std::min(m_output->room(), m_decoding.waiting());
+        if (room >= frame)
+            m_output->write(m_decoding.take(room - room % frame));
+        m_clock.report(m_output->playedSeconds(), now());
     }
 
     void tellOfFailure() {
@@ -70,10 +84,17 @@ private:
             this, [failed = m_failed] { failed(); }, Qt::QueuedConnection);
     }
 
+    [[nodiscard]] double now() const { return static_cast<double>(m_time.nsecsElapsed()) / nanosecondsPerSecond; }
+
+    std::string m_path;
     std::function<void()> m_failed;
-    std::optional<qint64> m_seekTo; ///< milliseconds, until it is done
-    QAudioOutput m_output;
-    QMediaPlayer m_player;
+    double m_start = 0.0; ///< seconds from the file's first sample
+    bool m_hasBegun = false;
+    PlaybackClock m_clock;
+    QElapsedTimer m_time;
+    QTimer m_feedTimer;
+    std::unique_ptr<SoundOutput> m_output; ///< none once stopped
+    SoundDecoding m_decoding;
 };
 
 /// Opens one file after the other for its length.
@@ -163,10 +184,13 @@ private:
 
 } // namespace
 
+QtAudioPlayers::QtAudioPlayers(std::string ffmpeg, SoundOutputs outputs)
+    : m_ffmpeg(std::move(ffmpeg)), m_outputs(std::move(outputs)) {}
+
 std::unique_ptr<AudioPlayer> QtAudioPlayers::open(const std::string& path, std::function<void()> failed) {
     if (!QFileInfo(textOf(path)).isFile())
         return nullptr;
-    return std::make_unique<QtAudioPlayer>(path, std::move(failed));
+    return std::make_unique<QtAudioPlayer>(path, m_ffmpeg, m_outputs(), std::move(failed));
 }
 
 void QtAudioPlayers::readDurations(std::vector<std::string> paths,

@@ -3,6 +3,7 @@
 #include "ui/QtAudioPlayer.h"
 #include "ui/ReviewTexts.h"
 
+#include <QStringList>
 #include <algorithm>
 #include <utility>
 
@@ -20,14 +21,15 @@ void call(const std::function<void()>& callback) {
 } // namespace
 
 ReviewPageModel::ReviewPageModel(QObject* parent)
-    : ReviewPageModel({std::make_shared<QtAudioPlayers>(), std::make_shared<QtPlaybackTimers>(), {}, {}, {}}, parent) {}
+    : ReviewPageModel({nullptr, std::make_shared<QtPlaybackTimers>(), {}, {}, {}}, parent) {}
 
 ReviewPageModel::ReviewPageModel(ReviewWorld world, QObject* parent)
     : QObject(parent),
       m_world(std::move(world)),
       m_cards(new SegmentCards(this)),
       m_echo(new EchoLines(this)),
-      m_map(new StoryMapModel(m_cards, this)) {}
+      m_map(new StoryMapModel(m_cards, this)),
+      m_captionWords(new RowListModel({QByteArrayLiteral("word"), QByteArrayLiteral("place")}, this)) {}
 
 ReviewPageModel::~ReviewPageModel() {
     leave();
@@ -41,6 +43,8 @@ void ReviewPageModel::setFlow(MineViewModel* flow) {
     m_world.clock = platform.clock;
     m_world.home = platform.environment.home;
     m_world.cacheFolder = platform.environment.cacheFolder();
+    if (!m_world.players)
+        m_world.players = std::make_shared<QtAudioPlayers>(platform.environment.tools.ffmpeg);
     const QPointer<MineViewModel> held(flow);
     m_callbacks.onSendToResolve = [held](std::vector<StorySegment> segments) {
         if (held)
@@ -221,7 +225,8 @@ void ReviewPageModel::setCurrentPlaybackTime(double seconds) {
 }
 
 void ReviewPageModel::updateCaption() {
-    QVariantList shownWords;
+    std::vector<ListRow> inSight;
+    QStringList texts;
     const auto found = m_playingSegment ? m_wordTimestampsCache.find(*m_playingSegment) : m_wordTimestampsCache.end();
     if (found != m_wordTimestampsCache.end()) {
         const auto& words = found->second;
@@ -229,13 +234,15 @@ void ReviewPageModel::updateCaption() {
         const auto range = visibleRange(words.size(), active);
         for (auto i = range.start; i < range.end; ++i) {
             const int place = !active || i > *active ? 1 : i == *active ? 0 : -1;
-            shownWords.append(QVariantMap{{QStringLiteral("word"), QString::fromStdString(words[i].word)},
-                                          {QStringLiteral("place"), place}});
+            texts.append(QString::fromStdString(words[i].word));
+            inSight.push_back({QString::number(i), {texts.back(), place}});
         }
     }
-    if (shownWords == m_captionWords)
+    m_captionWords->setRows(std::move(inSight));
+    auto text = texts.join(QLatin1Char(' '));
+    if (text == m_captionText)
         return;
-    m_captionWords = shownWords;
+    m_captionText = std::move(text);
     Q_EMIT captionChanged();
 }
 
@@ -252,21 +259,16 @@ void ReviewPageModel::deleteSegment(int at) {
 }
 
 void ReviewPageModel::beginDrag(qint64 id) {
-    m_draggingSegment = id;
+    m_draggingSegment = segmentOf(id);
 }
 
 void ReviewPageModel::dropEntered(qint64 id) {
-    if (!m_draggingSegment || m_draggingSegment == id)
-        return;
-    const auto from = m_cards->rowOf(*m_draggingSegment);
-    const auto to = m_cards->rowOf(id);
-    if (from && to)
-        move(*from, *to);
+    if (auto item = segmentOf(id))
+        dropDelegateOf(*std::move(item)).dropEntered();
 }
 
 bool ReviewPageModel::performDrop() {
-    m_draggingSegment.reset();
-    return true;
+    return !m_draggingSegment || dropDelegateOf(*m_draggingSegment).performDrop();
 }
 
 int ReviewPageModel::moveSegment(int row, int step) {
@@ -274,14 +276,13 @@ int ReviewPageModel::moveSegment(int row, int step) {
     const int count = m_cards->rowCount();
     if (row < 0 || row >= count || to < 0 || to >= count || to == row)
         return row;
-    move(static_cast<std::size_t>(row), static_cast<std::size_t>(to));
+    reorderSegments(*m_cards, static_cast<std::size_t>(row), static_cast<std::size_t>(to), m_reviewActions,
+                    m_world.clock);
     return to;
 }
 
-void ReviewPageModel::move(std::size_t from, std::size_t to) {
-    m_reviewActions.push_back(reordering(segments()[from], from, to, secondsSince1970(m_world.clock())));
-    m_cards->move(from, to);
-    Q_EMIT summaryChanged();
+SegmentDropDelegate ReviewPageModel::dropDelegateOf(StorySegment item) {
+    return {std::move(item), *m_cards, m_draggingSegment, m_reviewActions, m_world.clock};
 }
 
 void ReviewPageModel::sendToResolve() {

@@ -7,13 +7,14 @@
 #include "ui/MediaPlaces.h"
 #include "ui/MineViewModel.h"
 #include "ui/ReviewAction.h"
+#include "ui/RowListModel.h"
 #include "ui/SegmentCards.h"
+#include "ui/SegmentDropDelegate.h"
 #include "ui/StoryMapModel.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include <QVariantList>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -26,7 +27,7 @@ namespace zuvo {
 
 /// What the page works with.
 struct ReviewWorld {
-    std::shared_ptr<AudioPlayers> players;
+    std::shared_ptr<AudioPlayers> players; ///< none: those of the desktop, once the page has its flow
     std::shared_ptr<PlaybackTimers> timers;
     Clock clock;
     std::string home;        ///< no "/" at its end
@@ -57,12 +58,13 @@ class ReviewPageModel : public QObject {
     Q_PROPERTY(QString matchesText READ matchesText NOTIFY searchChanged)
     Q_PROPERTY(double currentPlaybackTime READ currentPlaybackTime NOTIFY playbackTimeChanged)
     Q_PROPERTY(double captionProgress READ captionProgress NOTIFY playbackTimeChanged)
-    Q_PROPERTY(QVariantList captionWords READ captionWords NOTIFY captionChanged)
+    Q_PROPERTY(zuvo::RowListModel* captionWords READ captionWords CONSTANT)
+    Q_PROPERTY(QString captionText READ captionText NOTIFY captionChanged)
 public:
     enum class ReviewViewMode { list, map };
     Q_ENUM(ReviewViewMode)
 
-    /// On the desktop's own sound, in the world of the flow.
+    /// In the world of its flow, without which nothing is shown, on the desktop's own sound.
     explicit ReviewPageModel(QObject* parent = nullptr);
     explicit ReviewPageModel(ReviewWorld world, QObject* parent = nullptr);
     ~ReviewPageModel() override;
@@ -101,9 +103,11 @@ public:
 
     [[nodiscard]] double currentPlaybackTime() const { return m_currentPlaybackTime; } ///< seconds
     [[nodiscard]] double captionProgress() const; ///< of the playing segment's length, 0 to 1
-    /// Of the playing segment: maps with `word` and `place`, below 0 for a word before the active one, 0 for it, above
-    /// 0 behind it. Empty if nothing plays or it has no words.
-    [[nodiscard]] QVariantList captionWords() const { return m_captionWords; }
+    /// Of the playing segment, the words in sight: rows of `word` and `place`, below 0 for a word before the active
+    /// one, 0 for it, above 0 behind it. Empty if nothing plays or it has no words. A word that stays in sight keeps
+    /// its row.
+    [[nodiscard]] RowListModel* captionWords() const { return m_captionWords; }
+    [[nodiscard]] QString captionText() const { return m_captionText; } ///< the words in sight as one text
 
     // What the user does.
 
@@ -149,7 +153,7 @@ private:
     void followPlayback();
     void setCurrentPlaybackTime(double seconds);
     void updateCaption();
-    void move(std::size_t from, std::size_t to);
+    [[nodiscard]] SegmentDropDelegate dropDelegateOf(StorySegment item);
     [[nodiscard]] std::optional<StorySegment> segmentOf(std::optional<std::int64_t> id) const;
 
     ReviewWorld m_world;
@@ -158,6 +162,7 @@ private:
     SegmentCards* m_cards;
     EchoLines* m_echo;
     StoryMapModel* m_map;
+    RowListModel* m_captionWords;
 
     std::vector<std::string> m_mediaPaths;
     std::optional<std::int64_t> m_expandedSegment;
@@ -165,7 +170,7 @@ private:
     std::unique_ptr<AudioPlayer> m_audioPlayer;
     std::unique_ptr<PlaybackTimers::Timer> m_playbackTimer;
     std::unique_ptr<PlaybackTimers::Timer> m_playbackProgressTimer;
-    std::optional<std::int64_t> m_draggingSegment;
+    std::optional<StorySegment> m_draggingSegment;
     bool m_hasTranscript = false;
     bool m_showTranscript = false;
     QString m_transcriptSearch;
@@ -174,7 +179,7 @@ private:
     double m_playbackSegmentStart = 0.0; ///< seconds from the file's first sample
     std::vector<ReviewAction> m_reviewActions;
     ReviewViewMode m_viewMode = ReviewViewMode::list;
-    QVariantList m_captionWords;
+    QString m_captionText;
     std::uint64_t m_playbackCount = 0; ///< tells a playback from those that have ended
 };
 

@@ -20,6 +20,8 @@ constexpr double firstRow = 120.0;
 constexpr double rowStep = 220.0;
 /// A chapter of three columns stands in the middle of its share of the width.
 constexpr double fullClusterWidth = 420.0;
+/// Chapters side by side neither overlap nor begin left of the board: a narrow board is panned to the last ones.
+constexpr double smallestShare = 440.0;
 constexpr double clusterRise = 50.0; ///< of the shape's top above the centre
 constexpr double panShare = 0.3;
 constexpr double smallestScale = 0.4;
@@ -55,7 +57,7 @@ std::vector<MapChapter> mapChapters(const std::vector<StorySegment>& segments) {
 
 QPointF clusterCenter(std::size_t chapterIndex, std::size_t chapterCount, QSizeF totalSize) {
     const auto columns = gridColumns(chapterCount);
-    const auto share = totalSize.width() / static_cast<double>(columns);
+    const auto share = std::max(totalSize.width() / static_cast<double>(columns), smallestShare);
     const auto column = static_cast<double>(chapterIndex % columns);
     const auto row = static_cast<double>(chapterIndex / columns);
     return {column * share + (share - fullClusterWidth) / 2.0, firstRow + row * rowStep};
@@ -93,9 +95,10 @@ QHash<int, QByteArray> StoryMapModel::roleNames() const {
 }
 
 void StoryMapModel::initializePositions(double width, double height) {
-    setSize(width, height);
     if (!m_cardPositions.empty())
         return;
+    m_size = {width, height};
+    Q_EMIT clustersChanged();
     const auto chapters = mapChapters(m_cards->segments());
     for (std::size_t c = 0; c < chapters.size(); ++c) {
         const auto center = clusterCenter(c, chapters.size(), m_size);
@@ -107,14 +110,6 @@ void StoryMapModel::initializePositions(double width, double height) {
         }
     }
     positionsChanged();
-}
-
-void StoryMapModel::setSize(double width, double height) {
-    const QSizeF size(width, height);
-    if (size == m_size)
-        return;
-    m_size = size;
-    Q_EMIT clustersChanged();
 }
 
 void StoryMapModel::clear() {

@@ -58,10 +58,9 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    /// The board has come on screen in that size: the cards are laid out, if they are not yet.
+    /// The board has come on screen in that size: cards and chapters are laid out, if they are not yet. They stay where
+    /// they are when its size changes.
     Q_INVOKABLE void initializePositions(double width, double height);
-    /// The board has another size: the chapters' shapes follow, the cards stay.
-    Q_INVOKABLE void setSize(double width, double height);
     /// The board has left the screen: places, offset and scale are forgotten.
     Q_INVOKABLE void clear();
 

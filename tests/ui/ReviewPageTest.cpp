@@ -1,5 +1,7 @@
 #include "ui/ReviewFixture.h"
 
+#include <QPointer>
+#include <QPointingDevice>
 #include <nlohmann/json.hpp>
 
 using namespace zuvo;
@@ -8,7 +10,25 @@ using testing::ElementsAre;
 
 namespace {
 
-using ReviewWindow = ReviewFixture;
+class ReviewWindow : public ReviewFixture {
+protected:
+    /// A finger comes down there and moves by `way` in small steps, without being lifted.
+    void touchAndMove(QPoint from, QPoint way) {
+        constexpr int steps = 12;
+        QTest::touchEvent(&driver->window(), finger).press(0, from);
+        for (int step = 1; step <= steps; ++step) {
+            runEventLoop(std::chrono::milliseconds(8));
+            QTest::touchEvent(&driver->window(), finger).move(0, from + way * step / steps);
+        }
+    }
+    void lift(QPoint at) { QTest::touchEvent(&driver->window(), finger).release(0, at); }
+
+    [[nodiscard]] double contentY(const char* list) {
+        return driver->find(QString::fromUtf8(list))->property("contentY").toDouble();
+    }
+
+    QPointingDevice* finger = QTest::createTouchDevice(); ///< deleted by the application
+};
 
 } // namespace
 
@@ -84,6 +104,96 @@ TEST_F(ReviewWindow, aCardHeldAtTheLowerEdgeMovesTheList) {
     EXPECT_TRUE(waitUntil([&] { return order().back() == 0; }));
     releaseAt(edge);
     EXPECT_FALSE(driver->shows(QStringLiteral("liftedCard")));
+}
+
+TEST_F(ReviewWindow, aFingerScrollsTheListAndMovesNoCard) {
+    openReview();
+    const auto from = middleOf(QStringLiteral("segmentCard3"));
+    const auto top = contentY("segmentList");
+    touchAndMove(from, {0, -200});
+    EXPECT_GT(contentY("segmentList"), top + 100);
+    lift(from - QPoint(0, 200));
+    EXPECT_FALSE(driver->shows(QStringLiteral("liftedCard")));
+    EXPECT_THAT(page->reviewActions(), testing::IsEmpty());
+    EXPECT_FALSE(page->expandedSegment());
+}
+
+TEST_F(ReviewWindow, aFingerThatTapsOpensACard) {
+    openReview();
+    const auto at = middleOf(QStringLiteral("segmentCard1"));
+    QTest::touchEvent(&driver->window(), finger).press(0, at);
+    lift(at);
+    EXPECT_TRUE(waitUntil([this] { return page->expandedSegment() == 1; }));
+}
+
+TEST_F(ReviewWindow, aFingerThatRestsOnACardLiftsIt) {
+    openReview();
+    const auto from = middleOf(QStringLiteral("segmentCard0"));
+    const auto to = middleOf(QStringLiteral("segmentCard1"));
+    const auto top = contentY("segmentList");
+    QTest::touchEvent(&driver->window(), finger).press(0, from);
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("liftedCard")));
+    for (int step = 1; step <= 6; ++step) {
+        QTest::touchEvent(&driver->window(), finger).move(0, from + (to - from) * step / 6);
+        runEventLoop(std::chrono::milliseconds(8));
+    }
+    lift(to);
+    EXPECT_EQ(order()[1], 0);
+    EXPECT_EQ(contentY("segmentList"), top);
+    EXPECT_FALSE(driver->shows(QStringLiteral("liftedCard")));
+    EXPECT_FALSE(page->expandedSegment());
+}
+
+TEST_F(ReviewWindow, aFingerScrollsTheEchoAndPlaysNothing) {
+    openReview();
+    page->show(story(), {}, std::vector<TranscriptSegment>(500, {0.0, 1.0, "una línea", "es"}));
+    driver->click(QStringLiteral("echoTab"));
+    settle();
+    const auto from = middleOf(QStringLiteral("transcriptLine6"));
+    touchAndMove(from, {0, -200});
+    EXPECT_GT(contentY("echoList"), 100);
+    lift(from - QPoint(0, 200));
+    EXPECT_TRUE(sound.starts.empty());
+}
+
+TEST_F(ReviewWindow, aWordOfTheCaptionStaysAndGrowsWhileItIsSaid) {
+    openReview();
+    page->togglePlay(1);
+    driver->click(QStringLiteral("segmentCard1"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("liveCaption")));
+    sound.pass(9.5);
+    const auto word = [this](const char* text) {
+        QPointer<QQuickItem> found;
+        for (auto* item : driver->shownItems()) {
+            if (item->property("text").toString() == QString::fromUtf8(text))
+                found = item;
+        }
+        return found;
+    };
+    const auto before = word("guardia.");
+    ASSERT_FALSE(before.isNull());
+    EXPECT_EQ(before->scale(), 1.0);
+    sound.pass(1.5); // 11.0
+    ASSERT_FALSE(before.isNull());
+    EXPECT_EQ(before, word("guardia."));
+    EXPECT_LT(before->scale(), 1.05); // it has only begun to grow
+    EXPECT_TRUE(waitUntil([&] { return before->scale() >= 1.05; }));
+    sound.pass(2.5);
+    EXPECT_TRUE(waitUntil([&] { return before->scale() <= 1.0; }));
+}
+
+TEST_F(ReviewWindow, afterARemovalTheKeyboardIsOnTheCardThatFollows) {
+    openReview();
+    driver->press(Qt::Key_Down);
+    driver->press(Qt::Key_Delete); // 1
+    driver->press(Qt::Key_Delete); // 2
+    EXPECT_THAT(order(), ElementsAre(0, 3, 4, 5, 6, 7, 8, 9, 10));
+    for (int i = 0; i < 20; ++i)
+        driver->press(Qt::Key_Down);
+    driver->press(Qt::Key_Delete); // the last one
+    settle();
+    driver->press(Qt::Key_Delete); // the last one left
+    EXPECT_THAT(order(), ElementsAre(0, 3, 4, 5, 6, 7, 8));
 }
 
 TEST_F(ReviewWindow, theKeyboardChoosesOpensPlaysMovesAndRemoves) {

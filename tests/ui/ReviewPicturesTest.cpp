@@ -70,4 +70,10 @@ TEST_F(ReviewPictures, map) {
     page->togglePlay(4);
     driver->hover(QStringLiteral("mapCard4"));
     take(QStringLiteral("05-discovery-c-map"));
+    driver->resize(900, 600);
+    take(QStringLiteral("05-discovery-c-map-minimum-window"));
+    driver->resize(2560, 1440);
+    take(QStringLiteral("05-discovery-c-map-large-window"));
+    driver->click(QStringLiteral("listButton"));
+    take(QStringLiteral("05-discovery-a-list-large-window"));
 }

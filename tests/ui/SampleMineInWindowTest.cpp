@@ -1,4 +1,5 @@
 #include "ui/FlowFixture.h"
+#include "ui/ReviewPageModel.h"
 
 using namespace zuvo;
 using namespace zuvo::tests;
@@ -50,4 +51,51 @@ TEST_F(SampleMineInWindow, fromTheDialogToTheReviewByTheKeyboardAlone) {
     driver->press(Qt::Key_Return);
     thenTheSampleIsMined();
     EXPECT_TRUE(flow().isMagicMode());
+}
+
+TEST_F(SampleMineInWindow, theSamplesStoryIsCutByTheKeyboardAlone) {
+    launch();
+    givenDialogGives({sample(1), sample(2)});
+    tabTo(QStringLiteral("browseButton"));
+    driver->press(Qt::Key_Return);
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
+    tabTo(QStringLiteral("actionButton"));
+    driver->press(Qt::Key_Return);
+    thenStepIs(MineStep::style);
+    tabTo(QStringLiteral("actionButton"));
+    driver->press(Qt::Key_Return);
+    thenTheSampleIsMined();
+    auto* page = driver->window().findChild<ReviewPageModel*>();
+    ASSERT_NE(page, nullptr);
+    const auto found = page->segments();
+    ASSERT_GE(found.size(), 4U);
+
+    // Heard, opened, and put behind the second.
+    driver->press(Qt::Key_Space);
+    EXPECT_EQ(page->playingSegment(), found[0].id());
+    EXPECT_TRUE(waitUntil([&] { return page->currentPlaybackTime() > 0.3; }));
+    driver->press(Qt::Key_K);
+    EXPECT_FALSE(page->playingSegment());
+    driver->press(Qt::Key_Return);
+    EXPECT_EQ(page->expandedSegment(), found[0].id());
+    driver->press(Qt::Key_Down, Qt::AltModifier);
+    // The third goes.
+    driver->press(Qt::Key_Down);
+    driver->press(Qt::Key_Delete);
+    // A line of the whole transcript is looked for and heard.
+    driver->press(Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("searchField")));
+    driver->type(QStringLiteral("e"));
+    driver->press(Qt::Key_Down);
+    driver->press(Qt::Key_Return);
+    EXPECT_TRUE(page->hasPlayer());
+    // And the story is sent.
+    tabTo(QStringLiteral("sendButton"));
+    driver->press(Qt::Key_Return);
+    thenStepIs(MineStep::done);
+    const auto& sent = pipeline().results()->segments;
+    ASSERT_EQ(sent.size(), found.size() - 1);
+    EXPECT_EQ(sent[0].id(), found[1].id());
+    EXPECT_EQ(sent[1].id(), found[0].id());
+    EXPECT_EQ(sent[2].id(), found[3].id());
 }

@@ -1,5 +1,6 @@
 #include "ui/ReviewFixture.h"
 
+#include <QPointingDevice>
 #include <QWheelEvent>
 
 using namespace zuvo;
@@ -92,4 +93,54 @@ TEST_F(StoryMapWindow, theMapIsMadeAnewEachTime) {
     ASSERT_TRUE(driver->waitFor(QStringLiteral("mapCard0")));
     EXPECT_EQ(page->map()->positionOf(0), home);
     EXPECT_EQ(page->map()->artboardScale(), 1.0);
+}
+
+TEST_F(StoryMapWindow, twoFingersZoomTheBoardToWhatTheyHaveSpread) {
+    openMap();
+    auto* finger = QTest::createTouchDevice(); // deleted by the application
+    const auto* board = driver->find(QStringLiteral("mapBoard"));
+    const auto middle = board->mapToScene({board->width() / 2, board->height() / 2}).toPoint();
+    const auto spread = [&](int from, int to) {
+        constexpr int steps = 20;
+        QTest::touchEvent(&driver->window(), finger)
+            .press(0, middle - QPoint(from, 0))
+            .press(1, middle + QPoint(from, 0));
+        for (int step = 1; step <= steps; ++step) {
+            const auto way = QPoint(from + (to - from) * step / steps, 0);
+            runEventLoop(std::chrono::milliseconds(4));
+            QTest::touchEvent(&driver->window(), finger).move(0, middle - way).move(1, middle + way);
+        }
+        QTest::touchEvent(&driver->window(), finger)
+            .release(0, middle - QPoint(to, 0))
+            .release(1, middle + QPoint(to, 0));
+    };
+    spread(60, 90);
+    EXPECT_GT(page->map()->artboardScale(), 1.1);
+    EXPECT_LE(page->map()->artboardScale(), 1.5);
+    spread(40, 180);
+    EXPECT_EQ(page->map()->artboardScale(), 2.0);
+    spread(180, 30);
+    EXPECT_EQ(page->map()->artboardScale(), 0.4);
+}
+
+TEST_F(StoryMapWindow, upAndDownChooseACardInTheOrderOfTheStory) {
+    openMap();
+    const auto focused = [this] { return driver->focusedName(); };
+    driver->press(Qt::Key_Down);
+    EXPECT_EQ(focused(), QStringLiteral("mapCard0"));
+    driver->press(Qt::Key_Down);
+    driver->press(Qt::Key_Down);
+    EXPECT_EQ(focused(), QStringLiteral("mapCard2"));
+    driver->press(Qt::Key_Up);
+    EXPECT_EQ(focused(), QStringLiteral("mapCard1"));
+    driver->press(Qt::Key_Delete);
+    EXPECT_EQ(page->segments().size(), 10U);
+    EXPECT_EQ(focused(), QStringLiteral("mapCard1"));
+    driver->press(Qt::Key_Space);
+    EXPECT_EQ(page->playingSegment(), 2);
+}
+
+TEST_F(StoryMapWindow, aCardLiesStraight) {
+    openMap();
+    EXPECT_EQ(driver->find(QStringLiteral("mapCard0"))->rotation(), 0.0);
 }

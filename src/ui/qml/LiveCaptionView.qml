@@ -6,7 +6,8 @@ import Zuvo
 Rectangle {
     id: caption
 
-    required property var words      ///< maps with `word` and `place`: below 0 said, 0 being said, above 0 to come
+    required property RowListModel words ///< `word` and `place`: below 0 said, 0 being said, above 0 to come
+    required property string spoken  ///< the words as one text
     required property real progress  ///< 0 to 1
 
     implicitHeight: 54
@@ -17,7 +18,7 @@ Rectangle {
     clip: true
 
     Accessible.role: Accessible.StaticText
-    Accessible.name: words.map(entry => entry.word).join(" ")
+    Accessible.name: spoken
 
     Row {
         anchors.horizontalCenter: parent.horizontalCenter
@@ -26,14 +27,15 @@ Rectangle {
         Repeater {
             model: caption.words
             delegate: Text {
-                required property var modelData
-                readonly property bool isActive: modelData.place === 0
+                required property string word
+                required property int place
+                readonly property bool isActive: place === 0
 
-                text: modelData.word
+                text: word
                 textFormat: Text.PlainText
                 font: Theme.textFont(14, isActive ? Font.Bold : Font.Normal)
                 color: isActive ? Theme.accent
-                                : Theme.faded(Theme.foreground, modelData.place < 0 ? 0.6 : 0.4)
+                                : Theme.faded(Theme.foreground, place < 0 ? 0.6 : 0.4)
                 scale: isActive ? 1.05 : 1
                 Behavior on scale { NumberAnimation { duration: 100; easing.type: Easing.InOutQuad } }
             }

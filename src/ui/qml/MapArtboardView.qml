@@ -17,6 +17,31 @@ FocusScope {
         if (width > 0 && height > 0)
             map.initializePositions(width, height);
     }
+    /// Gives the keyboard to the card at that place of the story, or to the nearest there is.
+    function choose(index) {
+        const card = cards.itemAt(Math.max(0, Math.min(index, cards.count - 1)));
+        if (card)
+            card.forceActiveFocus(Qt.TabFocusReason);
+        else
+            view.forceActiveFocus();
+    }
+    /// The place of the card that has the keyboard, or -1.
+    function chosen() {
+        for (let i = 0; i < cards.count; ++i) {
+            if (cards.itemAt(i)?.activeFocus)
+                return i;
+        }
+        return -1;
+    }
+    function remove(index) {
+        const hadKeyboard = chosen() === index;
+        model.deleteSegment(index);
+        if (hadKeyboard)
+            choose(index);
+    }
+    Keys.onUpPressed: choose(chosen() - 1)
+    Keys.onDownPressed: choose(chosen() + 1)
+
     onWidthChanged: place()
     onHeightChanged: place()
     Component.onCompleted: place()
@@ -44,7 +69,6 @@ FocusScope {
         anchors.fill: parent
         property real pressX: 0
         property real pressY: 0
-        preventStealing: true
         cursorShape: pressed ? Qt.ClosedHandCursor : Qt.ArrowCursor
         onPressed: mouse => {
             pressX = mouse.x;
@@ -72,6 +96,9 @@ FocusScope {
         width: view.width
         height: view.height
         scale: view.map.artboardScale
+        /// The part of the board that the view shows.
+        readonly property rect seen: Qt.rect(width / 2 - (x + width / 2) / scale, height / 2 - (y + height / 2) / scale,
+                                             view.width / scale, view.height / scale)
 
         Repeater {
             model: view.map.clusters
@@ -113,11 +140,12 @@ FocusScope {
         }
 
         Repeater {
+            id: cards
             model: view.map
             delegate: MapSegmentCard {
                 id: card
                 required property int index
-                required property int segmentId
+                required property double segmentId
                 required property real centerX
                 required property real centerY
 
@@ -125,14 +153,15 @@ FocusScope {
                 x: centerX - width / 2
                 y: centerY - height / 2
                 z: mover.isMoving ? 2 : isHovered ? 1 : 0
+                isInSight: x + width + 20 > board.seen.x && x - 20 < board.seen.x + board.seen.width
+                           && y + height + 20 > board.seen.y && y - 20 < board.seen.y + board.seen.height
                 onPlayed: view.model.togglePlay(segmentId)
-                onRemoved: view.model.deleteSegment(index)
+                onRemoved: view.remove(index)
 
                 MouseArea {
                     id: mover
                     anchors.fill: parent
                     z: -1
-                    preventStealing: true
                     property bool isMoving: false
                     property real pressX: 0
                     property real pressY: 0

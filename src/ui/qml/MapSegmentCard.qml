@@ -14,6 +14,10 @@ FocusScope {
     required property bool isPlaying
     readonly property color chapterColor: gem < 0 ? Theme.textMuted : Theme.chapterGems[gem]
     readonly property bool isHovered: hover.hovered || activeFocus
+    rotation: 0 // as it lies on the board
+
+    /// Whether any of it can be seen. What cannot is not drawn, but can have the keyboard.
+    property bool isInSight: true
 
     signal played()
     signal removed()
@@ -39,32 +43,43 @@ FocusScope {
     }
 
     HoverHandler { id: hover; cursorShape: Qt.OpenHandCursor }
-    SoftShadow {
-        anchors.fill: parent
-        cornerRadius: Theme.radiusXs
-        radius: 5
-        offsetY: 2
-    }
-    CardSurface {
-        anchors.fill: parent
-        cornerRadius: Theme.radiusXs
-        borderTop: card.isPlaying ? Theme.faded(card.chapterColor, 0.6) : Theme.faded(Theme.border, 0.4)
-    }
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.radiusXs
-        visible: card.isPlaying
-        color: Theme.faded(card.chapterColor, 0.12)
-    }
+    // As few pieces as the look allows, and none out of sight: hundreds of cards follow the board.
     Item {
-        width: 3
-        height: parent.height
-        clip: true
+        id: face
+        anchors.fill: parent
+        visible: card.isInSight
+        Image {
+            readonly property int radius: 5
+            x: -3 * radius
+            y: x + 2
+            source: `image://shadows/${card.width}x${card.height}/${Theme.radiusXs}/${radius}/#40000000`
+        }
         Rectangle {
-            width: 2 * Theme.radiusXs
-            height: parent.height
+            anchors.fill: parent
             radius: Theme.radiusXs
-            color: card.chapterColor
+            border.width: Hairline.width(Screen.devicePixelRatio)
+            border.color: Qt.tint(Theme.cardBg, card.isPlaying ? Theme.faded(card.chapterColor, 0.6) : Theme.faded(Theme.border, 0.4))
+            gradient: Gradient {
+                GradientStop { position: 0; color: Qt.tint(Theme.cardBg, Theme.faded(Theme.foreground, 0.04)) }
+                GradientStop { position: 1; color: Theme.cardBg }
+            }
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radiusXs
+            visible: card.isPlaying
+            color: Theme.faded(card.chapterColor, 0.12)
+        }
+        Item {
+            width: 3
+            height: parent.height
+            clip: true
+            Rectangle {
+                width: 2 * Theme.radiusXs
+                height: parent.height
+                radius: Theme.radiusXs
+                color: card.chapterColor
+            }
         }
     }
     Rectangle {
@@ -77,6 +92,7 @@ FocusScope {
         visible: card.activeFocus && !hover.hovered
     }
     Label {
+        visible: card.isInSight
         x: 11
         y: 6
         width: parent.width - x - 6
@@ -91,6 +107,7 @@ FocusScope {
         Accessible.ignored: true
     }
     Label {
+        visible: card.isInSight
         x: 11
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 6

@@ -7,7 +7,7 @@ import Zuvo
 Item {
     id: card
 
-    required property int segmentId
+    required property double segmentId
     required property int position        ///< from 1
     required property string times
     required property string length
@@ -17,7 +17,8 @@ Item {
     required property string translation
     required property bool isExpanded
     required property bool isPlaying
-    property var captionWords: []
+    property RowListModel captionWords: null ///< while it plays
+    property string captionText: ""
     property real captionProgress: 0
     property bool isChosen: false         ///< by the keyboard
     property bool isLifted: false
@@ -153,9 +154,10 @@ Item {
                 topPadding: Theme.spacing6
                 LiveCaptionView {
                     objectName: "liveCaption"
-                    visible: card.isPlaying && card.captionWords.length > 0
+                    visible: card.isPlaying && card.captionWords !== null && card.captionWords.count > 0
                     width: parent.width
-                    words: card.isPlaying ? card.captionWords : []
+                    words: card.captionWords
+                    spoken: card.captionText
                     progress: card.captionProgress
                 }
                 Item {

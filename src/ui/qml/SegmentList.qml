@@ -42,7 +42,8 @@ FocusScope {
             clip: heightAnimation.running
             opacity: drag.isDragging && drag.segmentId === segmentId ? 0.25 : 1
             isChosen: list.activeFocus && view.isByKeyboard && ListView.isCurrentItem
-            captionWords: isPlaying ? view.model.captionWords : []
+            captionWords: isPlaying ? view.model.captionWords : null
+            captionText: isPlaying ? view.model.captionText : ""
             captionProgress: isPlaying ? view.model.captionProgress : 0
             onTapped: {
                 list.currentIndex = index;
@@ -103,11 +104,14 @@ FocusScope {
             x: view.sideMargin
             width: list.width - 2 * view.sideMargin
             height: list.contentHeight
-            preventStealing: true
+            // A finger moves the list, unless it has rested on a card before.
+            property bool isMouse: false
+            preventStealing: isDragging || isMouse
+            pressAndHoldInterval: 500
 
             property bool isDragging: false
-            property int segmentId: -1
-            property int enteredId: -1        ///< the card that the pointer came over last
+            property double segmentId: -1
+            property double enteredId: -1     ///< the card that the pointer came over last
             property real grip: 0             ///< of the pointer below the card's upper edge
             property real pressX: 0
             property real pressY: 0
@@ -136,6 +140,7 @@ FocusScope {
                 view.model.dropEntered(item.segmentId);
             }
             function end() {
+                isMouse = false;
                 if (!isDragging)
                     return;
                 isDragging = false;
@@ -144,6 +149,7 @@ FocusScope {
             }
 
             onPressed: mouse => {
+                isMouse = mouse.source === Qt.MouseEventNotSynthesized;
                 view.isByKeyboard = false;
                 list.forceActiveFocus();
                 pressX = mouse.x;
@@ -152,10 +158,16 @@ FocusScope {
             }
             onPositionChanged: mouse => {
                 pointerY = mouse.y - list.contentY;
-                if (!isDragging && Math.hypot(mouse.x - pressX, mouse.y - pressY) > threshold)
+                if (!isDragging && isMouse && Math.hypot(mouse.x - pressX, mouse.y - pressY) > threshold)
                     begin();
                 if (isDragging)
                     follow();
+            }
+            onPressAndHold: mouse => {
+                if (!isMouse && !isDragging)
+                    begin();
+                else
+                    mouse.accepted = false; // a click after all
             }
             onReleased: end()
             onCanceled: end()

@@ -238,12 +238,12 @@ TEST_F(ReviewPage, theCaptionFollowsThePlayback) {
     givenWords(
         R"([{"segmentIndex":10,"words":[{"word":"one","start":0.5,"end":1},{"word":"two","start":2,"end":3}]}])");
     open();
-    EXPECT_THAT(page->captionWords(), IsEmpty());
+    EXPECT_EQ(page->captionWords()->count(), 0);
     page->togglePlay(10);
     const auto places = [this] {
         std::vector<int> found;
-        for (const auto& word : page->captionWords())
-            found.push_back(word.toMap().value(QStringLiteral("place")).toInt());
+        for (const auto& word : page->captionWords()->rows())
+            found.push_back(word.values.at(1).toInt());
         return found;
     };
     EXPECT_THAT(places(), ElementsAre(1, 1));
@@ -252,9 +252,9 @@ TEST_F(ReviewPage, theCaptionFollowsThePlayback) {
     sound.pass(1.5);
     EXPECT_THAT(places(), ElementsAre(-1, 0));
     page->stopPlayback();
-    EXPECT_THAT(page->captionWords(), IsEmpty());
+    EXPECT_EQ(page->captionWords()->count(), 0);
     page->togglePlay(11);
-    EXPECT_THAT(page->captionWords(), IsEmpty());
+    EXPECT_EQ(page->captionWords()->count(), 0);
 }
 
 // Deleting.

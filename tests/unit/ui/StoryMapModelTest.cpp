@@ -49,10 +49,10 @@ TEST_F(StoryMap, chaptersStandOnASquareGridOverTheWidth) {
         double x;
         double y;
     };
-    // 1000 wide: a share of 1000 with one column, 500 with two, 333.33 with three.
+    // 1000 wide: a share of 1000 with one column, 500 with two; three have 440 each, which is the least.
     const std::vector<Case> cases = {
-        {0, 1, 290, 120}, {0, 2, 40, 120},  {1, 2, 540, 120},          {2, 3, 40, 340},
-        {3, 4, 540, 340}, {4, 5, 290, 340}, {6, 9, -130.0 / 3.0, 560},
+        {0, 1, 290, 120}, {0, 2, 40, 120},  {1, 2, 540, 120}, {2, 3, 40, 340},
+        {3, 4, 540, 340}, {4, 5, 450, 340}, {6, 9, 10, 560},
     };
     for (const auto& [index, count, x, y] : cases) {
         const auto center = clusterCenter(index, count, {1000, 700});
@@ -113,6 +113,15 @@ TEST_F(StoryMap, cardsAreLaidOutOnceUntilTheBoardLeaves) {
     map.clear();
     map.initializePositions(2000, 700);
     EXPECT_EQ(map.positionOf(1), QPointF(890, 150));
+}
+
+TEST_F(StoryMap, theChaptersStayBehindTheirCardsWhenTheBoardGrows) {
+    given({segment(1, "a"), segment(2, "b")});
+    map.initializePositions(1000, 700);
+    EXPECT_EQ(cluster(1).value(QStringLiteral("x")), 540.0);
+    map.initializePositions(2560, 1440);
+    EXPECT_EQ(cluster(1).value(QStringLiteral("x")), 540.0);
+    EXPECT_EQ(map.positionOf(2), QPointF(640, 150));
 }
 
 TEST_F(StoryMap, movingACardChangesNoOrder) {

@@ -4,6 +4,7 @@
 
 #include "base/Text.h"
 #include "steps/Energy.h"
+#include "steps/EnergyThresholds.h"
 #include "steps/ExportTexts.h"
 #include "steps/TranscriptionFormat.h"
 

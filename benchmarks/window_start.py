@@ -2,7 +2,7 @@
 """What the window costs: time from the start of its process to its first frame, and memory at rest, as ratios to a Qt
 Quick window with nothing in it in the same run.
 
-    window_start.py PROGRAM      PROGRAM is zuvo_window_start; ./test bench runs this
+    window_start.py PROGRAM      PROGRAM is zuvo_window_start; ./bench runs this
 
 Figures to read: nothing passes or fails. Without QT_QPA_PLATFORM windows are drawn to no screen.
 """

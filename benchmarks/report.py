@@ -3,9 +3,11 @@
 
     report.py ROOT [--list | --markdown | NAME...]     ./bench runs this, once all is built
 
-A figure is any line that a benchmark prints in the form
+A figure is any line that a benchmark prints in one of the forms
 
-    WHAT: WORDS, ratio NUMBER          or          WHAT: WORDS, exponent NUMBER
+    WHAT: WORDS, ratio NUMBER
+    WHAT: WORDS, exponent NUMBER
+    WHAT  ratio NUMBER  WORDS
 
 With NAMEs only the benchmarks run whose name contains one of them. --markdown runs all and also puts the table into
 docs/performance.md, between its two marks.
@@ -18,7 +20,10 @@ import sys
 from pathlib import Path
 from typing import NamedTuple
 
-FIGURE = re.compile(r"^(?P<what>[^:]+): (?P<words>.+), (?P<kind>ratio|exponent) (?P<number>[0-9.]+)$")
+FIGURES = [re.compile(form) for form in (
+    r"(?P<what>[^:]+): (?P<words>.+), (?P<kind>ratio|exponent) (?P<number>-?[0-9.]+)",
+    r"(?P<what>\S[^:]*?)\s+(?P<kind>ratio) +(?P<number>[0-9.]+)\s+(?P<words>.+)",
+)]
 MARK_BEFORE = "<!-- figures: written by ./bench --markdown -->"
 MARK_AFTER = "<!-- end of figures -->"
 
@@ -62,8 +67,16 @@ class Figure(NamedTuple):
                      if self.kind == kind and self.what.startswith(beginning)), "")
 
 
-def run(benchmark: Benchmark, root: Path) -> list[Figure]:
-    """Runs the benchmark, showing what it prints, and picks out its figures."""
+def figure_of(line: str) -> Figure | None:
+    """The figure that the line tells, if it does."""
+    for form in FIGURES:
+        if match := form.fullmatch(line.strip()):
+            return Figure(*match.group("what", "words", "kind", "number"))
+    return None
+
+
+def run(benchmark: Benchmark, root: Path) -> tuple[list[Figure], str]:
+    """Runs the benchmark, showing what it prints: its figures, and what is to be complained of."""
     print(f"\n== {benchmark.name}", flush=True)
     command = [part.format(build=root / "build/bench", root=root) for part in benchmark.command]
     figures = []
@@ -72,34 +85,40 @@ def run(benchmark: Benchmark, root: Path) -> list[Figure]:
         assert process.stdout is not None
         for line in process.stdout:
             print(line, end="", flush=True)
-            if match := FIGURE.match(line.rstrip("\n")):
-                figures.append(Figure(*match.group("what", "words", "kind", "number")))
+            if figure := figure_of(line):
+                figures.append(figure)
     if process.returncode != 0:
-        sys.exit(f"{benchmark.name} ended with status {process.returncode}")
-    if not figures:
-        sys.exit(f"{benchmark.name} printed no figure")
-    return figures
+        return figures, f"{benchmark.name} ended with status {process.returncode}."
+    return figures, "" if figures else f"{benchmark.name} printed no figure."
 
 
 def print_table(figures: list[Figure]) -> None:
-    width = max(len(figure.what) for figure in figures)
+    width = max((len(figure.what) for figure in figures), default=0)
     print(f"\n{'':{width}}  {'':8}  {'figure':>8}  {'aim':>6}")
     for figure in figures:
         aim = f"< {figure.aim}" if figure.aim else ""
         print(f"{figure.what:{width}}  {figure.kind:8}  {figure.number:>8}  {aim:>6}")
 
 
-def write_markdown(figures: list[Figure], page: Path) -> None:
+def with_table(page: str, figures: list[Figure]) -> str | None:
+    """The page with the figures between its two marks; nothing if it lacks them."""
     rows = ["| what | measured | | figure | aim |", "|---|---|---|---:|---:|"]
     for figure in figures:
         aim = f"&lt; {figure.aim}" if figure.aim else ""
         rows.append(f"| {figure.what} | {figure.words} | {figure.kind} | {figure.number} | {aim} |")
-    before, _, rest = page.read_text(encoding="utf-8").partition(MARK_BEFORE)
+    before, _, rest = page.partition(MARK_BEFORE)
     _, mark, after = rest.partition(MARK_AFTER)
-    if not mark:
-        sys.exit(f"{page} has lost its marks")
-    page.write_text("\n".join([before + MARK_BEFORE, "", *rows, "", MARK_AFTER + after]), encoding="utf-8")
-    print(f"\nThe table is in {page.name}. It was measured on {os.cpu_count()} cores.")
+    return "\n".join([before + MARK_BEFORE, "", *rows, "", MARK_AFTER + after]) if mark else None
+
+
+def put_into(page: Path, figures: list[Figure]) -> str:
+    """Writes the table into the page, and gives what is to be complained of."""
+    text = with_table(page.read_text(encoding="utf-8"), figures)
+    if text is None:
+        return f"{page} has lost the marks of its table."
+    page.write_text(text, encoding="utf-8")
+    print(f"\nThe table is in {page}. It was measured on {os.cpu_count()} cores.")
+    return ""
 
 
 def main() -> int:
@@ -116,11 +135,18 @@ def main() -> int:
     if "--list" in options:
         print("\n".join(benchmark.name for benchmark in chosen))
         return 0
-    figures = [figure for benchmark in chosen for figure in run(benchmark, root)]
+    figures: list[Figure] = []
+    complaints = []
+    for benchmark in chosen:
+        found, complaint = run(benchmark, root)
+        figures += found
+        complaints.append(complaint)
     print_table(figures)
     if "--markdown" in options:
-        write_markdown(figures, root / "docs/performance.md")
-    return 0
+        complaints.append(put_into(root / "docs/performance.md", figures))
+    complaints = [complaint for complaint in complaints if complaint]
+    print("\n".join(complaints), end="\n" if complaints else "", file=sys.stderr)
+    return 1 if complaints else 0
 
 
 if __name__ == "__main__":

@@ -33,7 +33,7 @@ class Benchmark(NamedTuple):
     command: list[str]  # {build} and {root} stand for the folders
 
 
-GOOGLE = ["--benchmark_min_time=0.3"]
+GOOGLE = ["--benchmark_min_time=0.3", "--benchmark_color=false"]
 
 # A new benchmark is a line here.
 BENCHMARKS = [

@@ -15,6 +15,10 @@ namespace {
 
 constexpr std::size_t readChunk = 65536;
 
+/// A growing text is copied again and again, so its room is made beforehand. A file that claims to be larger than this
+/// (bytes) is read piece by piece all the same, but is not believed.
+constexpr std::size_t roomMadeAtOnce = 256UL * 1024 * 1024;
+
 /// A name beside the target that no other writer uses: random per process, counted within it. It does not hold the
 /// target's own name, which may already be as long as a name can be.
 std::filesystem::path neighbourOf(const std::filesystem::path& path) {
@@ -44,21 +48,32 @@ std::error_code writeError(const std::filesystem::path& path, std::string_view b
 
 } // namespace
 
-std::optional<std::string> readFile(const std::string& path) {
+bool appendFile(const std::string& path, std::string& bytes) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
-        return std::nullopt;
+        return false;
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        return std::nullopt;
-    std::string bytes;
+        return false;
+    const auto before = bytes.size();
+    const auto size = std::filesystem::file_size(path, error);
+    if (!error && size <= roomMadeAtOnce)
+        bytes.reserve(before + static_cast<std::size_t>(size));
     std::string chunk(readChunk, '\0');
     while (file) {
         file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
         bytes.append(chunk, 0, static_cast<std::size_t>(file.gcount()));
     }
     // The end of the file is the only good reason to stop; a device or disk error must not pass for a short file.
-    if (file.bad())
+    if (!file.bad())
+        return true;
+    bytes.resize(before);
+    return false;
+}
+
+std::optional<std::string> readFile(const std::string& path) {
+    std::string bytes;
+    if (!appendFile(path, bytes))
         return std::nullopt;
     return bytes;
 }

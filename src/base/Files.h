@@ -10,6 +10,9 @@ namespace zuvo {
 /// The file's bytes; nothing if it cannot be opened or read, or is a folder.
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path);
 
+/// Puts the file's bytes behind those in `bytes`; false, with `bytes` as it was, where `readFile` gives nothing.
+[[nodiscard]] bool appendFile(const std::string& path, std::string& bytes);
+
 /// The file's bytes if they are valid UTF-8, else nothing.
 [[nodiscard]] std::optional<std::string> readTextFile(const std::string& path);
 

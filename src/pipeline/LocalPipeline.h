@@ -11,6 +11,7 @@
 #include "model/Transcript.h"
 #include "platform/Platform.h"
 #include "steps/Energy.h"
+#include "steps/EnergyThresholds.h"
 #include "steps/Probing.h"
 #include "steps/TranscriptionFormat.h"
 #include "steps/UsedFootage.h"

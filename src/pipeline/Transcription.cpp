@@ -4,6 +4,7 @@
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "pipeline/LocalPipeline.h"
+#include "platform/FileSystem.h"
 #include "platform/ServiceAddresses.h"
 
 namespace zuvo {
@@ -25,24 +26,25 @@ std::string bearer(const std::string& key) {
 
 QCoro::Task<std::optional<HttpAnswer>> LocalPipeline::postAudio(std::string path, std::string language,
                                                                 TimestampGranularity granularity) {
-    auto audio = readFile(path);
-    if (!audio)
+    const auto boundary = m_platform.newUuid();
+    const auto frame = transcriptionFrame(boundary, granularity, language, lastPathComponent(path));
+    HttpRequest request;
+    // One copy of ten megabytes of sound is enough.
+    request.body.reserve(frame.head.size() + fileSize(path).value_or(0) + frame.tail.size());
+    request.body.append(frame.head);
+    if (!appendFile(path, request.body))
         co_return std::nullopt;
+    request.body.append(frame.tail);
+
     HttpAnswer answer;
     const auto address = transcriptionAddress(m_platform.environment);
     if (address.isRefused()) {
         answer.failure = address.refusal;
         co_return answer;
     }
-    const auto boundary = m_platform.newUuid();
-    const auto frame = transcriptionFrame(boundary, granularity, language, lastPathComponent(path));
-    HttpRequest request;
     request.url = address.url;
     request.headers = {{"Authorization", bearer(openaiKey())}, {"Content-Type", multipartContentType(boundary)}};
     request.timeout = granularity == TimestampGranularity::segment ? m_timeouts.transcription : m_timeouts.words;
-    request.body.reserve(frame.head.size() + audio->size() + frame.tail.size());
-    request.body.append(frame.head).append(*audio).append(frame.tail);
-    audio.reset();
     answer = co_await m_platform.http->send(std::move(request));
     co_return answer;
 }

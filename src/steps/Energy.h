@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,8 +12,8 @@
 
 namespace zuvo {
 
-// How loud each line of a transcript is, from a very low-rate sample stream of the sources, and where quiet, medium
-// and loud part in this very recording. All levels are dB relative to full scale; silence is `silenceDb`.
+// How loud each line of a transcript is, from a very low-rate sample stream of the sources. All levels are dB relative
+// to full scale; silence is `silenceDb`.
 
 inline constexpr double silenceDb = -60.0;
 
@@ -60,26 +59,6 @@ using SampleStore = std::map<std::string, Samples>;
 /// One level per transcript line, in order.
 [[nodiscard]] std::vector<double> lineEnergies(const std::vector<TranscriptSegment>& lines,
                                                const std::vector<SourceFile>& sources, const SampleStore& samples);
-
-struct EnergyThresholds {
-    double quietThreshold = silenceDb; ///< below it a line is quiet
-    double loudThreshold = silenceDb;  ///< at or above it a line is loud; between the two it is medium
-    std::size_t loud = 0;
-    std::size_t medium = 0;
-    std::size_t quiet = 0;
-};
-
-/// The two-class split of the lines' levels (finite numbers) with the least within-class variance, then a cut at the
-/// lower third of the upper class. An empty list gives both thresholds at `silenceDb` and counts of 0.
-[[nodiscard]] EnergyThresholds energyThresholds(std::span<const double> energies);
-
-/// "  Energy: {loud} loud, ..." as it stands in the log.
-[[nodiscard]] std::string energyLogLine(const EnergyThresholds& thresholds);
-
-/// One line "[{start}-{end}s] {mark} {text}" with a line end for each transcript line that is not blank. `energies` has
-/// one value per line.
-[[nodiscard]] std::string annotatedTranscript(const std::vector<TranscriptSegment>& lines,
-                                              std::span<const double> energies, const EnergyThresholds& thresholds);
 
 // Which of two channels carries the on-mic voice.
 

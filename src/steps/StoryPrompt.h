@@ -1,6 +1,6 @@
 #pragma once
 
-#include "steps/Energy.h"
+#include "steps/EnergyThresholds.h"
 
 #include <string>
 

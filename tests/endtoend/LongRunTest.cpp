@@ -1,4 +1,4 @@
-// What grows with the length of the footage and what must not. The big brother of these tests is bench/long_run.py,
+// What grows with the length of the footage and what must not. The big brother of these tests is benchmarks/long_run.py,
 // with eight hours of footage.
 
 #include "endtoend/InProcess.h"

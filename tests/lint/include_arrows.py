@@ -90,7 +90,7 @@ def check(root: Path) -> tuple[list[str], int]:
     """The complaints, and how many files were looked at."""
     complaints = []
     count = 0
-    for top in ("src", "tools", "tests", "bench"):
+    for top in ("src", "tools", "tests", "benchmarks"):
         for path in sorted((root / top).rglob("*")):
             if path.suffix not in (".h", ".cpp") or not path.is_file():
                 continue

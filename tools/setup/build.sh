@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Configures and builds, for ./run and ./test. To be sourced.
+# Configures and builds, for ./run, ./test and ./bench. To be sourced.
 
 # zuvo_configure ROOT PRESET FOLDER [CMAKE OPTION...]: configures the preset into build/FOLDER.
 zuvo_configure() {

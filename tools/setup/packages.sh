@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Finds which Debian packages are missing and installs them, for ./run and ./test. To be sourced.
+# Finds which Debian packages are missing and installs them, for ./run, ./test and ./bench. To be sourced.
 #
 #     zuvo_need_packages PURPOSE...
 #

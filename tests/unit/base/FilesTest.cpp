@@ -85,6 +85,27 @@ TEST_F(Files, aReadErrorIsNoShortFile) {
     EXPECT_EQ(readFile("/proc/self/mem"), std::nullopt);
 }
 
+TEST_F(Files, appendingPutsTheBytesBehindThoseThatAreThere) {
+    const std::string large(200'000, 'x');
+    write("f", large);
+    std::string bytes = "head ";
+    EXPECT_TRUE(appendFile(in("f"), bytes));
+    EXPECT_EQ(bytes, "head " + large);
+}
+
+TEST_F(Files, appendingWhatCannotBeReadLeavesTheBytesAsTheyWere) {
+    std::string bytes = "head";
+    EXPECT_FALSE(appendFile(in("missing"), bytes));
+    EXPECT_FALSE(appendFile(folder, bytes));
+    EXPECT_FALSE(appendFile("/proc/self/mem", bytes));
+    EXPECT_EQ(bytes, "head");
+}
+
+TEST_F(Files, readingDoesNotBelieveTheSizeThatAFileClaims) {
+    // What the system makes up as it is read claims to be empty.
+    EXPECT_THAT(readFile("/proc/self/status").value_or(""), testing::StartsWith("Name:"));
+}
+
 TEST_F(Files, readingTextRefusesInvalidUtf8) {
     write("good", "Vérité");
     write("bad", "V\xE9rit\xE9");

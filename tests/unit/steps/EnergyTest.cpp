@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
 
 namespace zuvo {
 namespace {
@@ -128,6 +130,22 @@ TEST(ComputeRMS, truncatesBothEndsToSamples) {
     EXPECT_EQ(computeRMS(pcm, 0.0031, 0.0099), -60.0);
 }
 
+TEST(ComputeRMS, isThatOfTheSquaresAddedUpAsDoubles) {
+    std::mt19937 random(3);
+    std::uniform_int_distribution<int> level(-32768, 32767);
+    Samples samples(5 * levelSampleRate);
+    std::generate(samples.begin(), samples.end(), [&] { return static_cast<std::int16_t>(level(random)); });
+    double squares = 0.0;
+    for (const double sample : samples)
+        squares += sample * sample;
+    EXPECT_EQ(computeRMS(samples, 0, 5), 20.0 * std::log10(std::sqrt(squares / 5000.0) / 32768.0));
+}
+
+TEST(ComputeRMS, takesInHoursAtFullScale) {
+    constexpr std::size_t threeHours = 3 * 3600;
+    EXPECT_EQ(computeRMS(constant(-32768, threeHours), 0, threeHours), 0.0);
+}
+
 TEST(ComputeRMS, holdsAtLeastOneSample) {
     Samples pcm(10, 0);
     pcm[2] = 100;
@@ -203,44 +221,6 @@ TEST(LineEnergies, areOnePerLineEvenForAnEmptyText) {
     const SampleStore samples = {{"A", constant(16384, 20)}};
     EXPECT_THAT(lineEnergies({line(0, 5, ""), line(5, 6, "  ")}, sources, samples),
                 ElementsAre(DoubleNear(halfScaleDb, 1e-9), DoubleNear(halfScaleDb, 1e-9)));
-}
-
-// The annotated transcript
-
-EnergyThresholds thresholdsAt(double quiet, double loud) {
-    EnergyThresholds thresholds;
-    thresholds.quietThreshold = quiet;
-    thresholds.loudThreshold = loud;
-    return thresholds;
-}
-
-TEST(AnnotatedTranscript, hasALineForEachLine) {
-    EXPECT_EQ(annotatedTranscript({line(125.5, 131.24, " And that was the winter we lost the boat.  ")},
-                                  std::vector<double>{-20.0}, thresholdsAt(-40, -30)),
-              "[125.5-131.2s] 🔊 And that was the winter we lost the boat.\n");
-}
-
-TEST(AnnotatedTranscript, marksByThresholdsThatBelongToTheLouderMark) {
-    const std::vector<double> energies = {-30.0, -30.001, -40.0, -40.001};
-    EXPECT_EQ(annotatedTranscript({line(0, 1, "a"), line(1, 2, "b"), line(2, 3, "c"), line(3, 4, "d")}, energies,
-                                  thresholdsAt(-40, -30)),
-              "[0.0-1.0s] 🔊 a\n[1.0-2.0s] 🔉 b\n[2.0-3.0s] 🔉 c\n[3.0-4.0s] 🔇 d\n");
-}
-
-TEST(AnnotatedTranscript, leavesOutLinesOfBlanksOnly) {
-    const std::vector<double> energies = {-20.0, -20.0, -20.0};
-    EXPECT_EQ(
-        annotatedTranscript({line(0, 1, ""), line(1, 2, "   "), line(2, 3, " x ")}, energies, thresholdsAt(-40, -30)),
-        "[2.0-3.0s] 🔊 x\n");
-}
-
-TEST(AnnotatedTranscript, trimsBlanksAloneAndKeepsTabs) {
-    EXPECT_EQ(annotatedTranscript({line(0, 1, " \t ")}, std::vector<double>{-20.0}, thresholdsAt(-40, -30)),
-              "[0.0-1.0s] 🔊 \t\n");
-}
-
-TEST(AnnotatedTranscript, ofNoLinesIsEmpty) {
-    EXPECT_EQ(annotatedTranscript({}, std::vector<double>{}, thresholdsAt(-60, -60)), "");
 }
 
 } // namespace

@@ -83,12 +83,14 @@ void atEverySize(benchmark::internal::Benchmark* benchmark) {
     benchmark->Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK_CAPTURE(run, edl, edl)->Name("edl/ours")->Apply(atEverySize);
-BENCHMARK_CAPTURE(run, edlBaseline, oneLineEach)->Name("edl/baseline")->Apply(atEverySize);
-BENCHMARK_CAPTURE(run, fcpxml, fcpxml)->Name("fcpxml/ours")->Apply(atEverySize);
-BENCHMARK_CAPTURE(run, fcpxmlBaseline, oneLineEach)->Name("fcpxml/baseline")->Apply(atEverySize);
-BENCHMARK_CAPTURE(run, xmeml, xmeml)->Name("xmeml/ours")->Apply(atEverySize);
-BENCHMARK_CAPTURE(run, xmemlBaseline, oneLineEach)->Name("xmeml/baseline")->Apply(atEverySize);
+BENCHMARK_CAPTURE(run, edl, edl)->Name("EDL of so many moments/ours")->Apply(atEverySize);
+BENCHMARK_CAPTURE(run, edlBaseline, oneLineEach)->Name("EDL of so many moments/baseline")->Apply(atEverySize);
+BENCHMARK_CAPTURE(run, fcpxml, fcpxml)->Name("FCPXML of so many moments/ours")->Apply(atEverySize);
+BENCHMARK_CAPTURE(run, fcpxmlBaseline, oneLineEach)->Name("FCPXML of so many moments/baseline")->Apply(atEverySize);
+BENCHMARK_CAPTURE(run, xmeml, xmeml)->Name("Premiere XML of so many moments/ours")->Apply(atEverySize);
+BENCHMARK_CAPTURE(run, xmemlBaseline, oneLineEach)
+    ->Name("Premiere XML of so many moments/baseline")
+    ->Apply(atEverySize);
 
 } // namespace
 } // namespace zuvo

@@ -2,7 +2,7 @@
 """What the window costs: time from the start of its process to its first frame, and memory at rest, as ratios to two
 baselines of the same run.
 
-    window_start.py PROGRAM      PROGRAM is zuvo_window_start; ./test bench runs this
+    window_start.py PROGRAM      PROGRAM is zuvo_window_start; ./bench runs this
 
 "empty" is the fair one: the empty window of a Qt Quick application, made by an engine that loads
 `import QtQuick; Window { visible: true }`. "bare" is a QQuickWindow that no engine made: no application with pages can
@@ -39,11 +39,11 @@ def one_start(program: str, kind: str) -> tuple[float, float]:
 
 
 def compared(figures: dict[str, float], factor: float, unit: str, decimals: int) -> str:
-    """The three figures, and the ratios of the application's to the others."""
+    """The three figures, and the application's ratio to an empty window."""
     amounts = ", ".join(f"{kind} {figure * factor:.{decimals}f} {unit}" for kind, figure in figures.items())
     application = figures["application"]
-    return (f"{amounts}; application to empty {application / figures['empty']:.2f}, "
-            f"to bare {application / figures['bare']:.2f}")
+    return (f"{amounts} (application to bare {application / figures['bare']:.2f}), "
+            f"ratio {application / figures['empty']:.2f}")
 
 
 def main() -> int:

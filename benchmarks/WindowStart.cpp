@@ -1,4 +1,4 @@
-// One start of a window, for bench/window_start.py to time from outside. Prints "first frame" once the first frame has
+// One start of a window, for benchmarks/window_start.py to time from outside. Prints "first frame" once the first frame has
 // been shown, "rest" two seconds later, and ends when its standard input does. Its argument says what it shows:
 //
 //   bare          a QQuickWindow with nothing in it, and no QML engine

@@ -3,11 +3,12 @@
 
     resolve_build_time.py
 
-Prints the time per number of segments and its ratio to a growth in proportion, the smallest story being 1. Figures to
-read: nothing passes or fails.
+Prints the time for each number of segments and its ratio to a growth in proportion, the smallest story being 1, in lines
+for ./bench. Figures to read: nothing passes or fails.
 """
 
 import json
+import math
 import os
 import subprocess
 import sys
@@ -76,15 +77,17 @@ def run(folder: Path, count: int) -> tuple[float, float]:
 
 
 def main() -> None:
-    print(f"{'segments':>8}  {'ms':>9}  {'ms/segment':>10}  {'to linear':>9}  {'pauses s':>8}")
-    first = None
+    figures = {}
     for count in SEGMENT_COUNTS:
         with tempfile.TemporaryDirectory(prefix="zuvo build ") as folder:
-            results = [run(Path(folder), count) for _ in range(RUNS)]
-        seconds, pauses = min(results)
-        per_segment = seconds * 1000 / count
-        first = first or per_segment
-        print(f"{count:8}  {seconds * 1000:9.1f}  {per_segment:10.3f}  {per_segment / first:9.2f}  {pauses:8.2f}")
+            figures[count] = min(run(Path(folder), count) for _ in range(RUNS))
+    smallest, largest = min(figures), max(figures)
+    least = figures[smallest][0] / smallest
+    for count, (seconds, pauses) in figures.items():
+        print(f"card script of so many moments, {count}: {seconds * 1000:.1f} ms without {pauses:.1f} s of pauses, against "
+              f"growth in proportion, ratio {seconds / count / least:.2f}")
+    exponent = math.log(figures[largest][0] / figures[smallest][0]) / math.log(largest / smallest)
+    print(f"card script of so many moments, growth: {smallest} to {largest}, exponent {exponent:.2f}")
 
 
 if __name__ == "__main__":

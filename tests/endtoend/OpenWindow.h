@@ -21,6 +21,7 @@ public:
     /// Until the item of that objectName can be used.
     void waitFor(const std::string& name) { order("shows " + name); }
     void click(const std::string& name) { order("click " + name); }
+    void press(const std::string& key) { order("press " + key); }
     void drop(const std::string& path) { order("drop " + path); }
 
     /// Presses the window's own button for it, and waits for the end of the program.

@@ -7,7 +7,8 @@
 // what it names is not on screen, usable, at rest and within the window.
 //
 //     shows NAME           nothing is done; NAME is an item's objectName
-//     click NAME           the left button goes down and up in its middle
+//     click NAME           the left button goes down and up in its middle, if that is where it was at the last order
+//     press KEY            such as "Space"; for whatever has the keyboard
 //     drop PATH            that file is dragged onto the item "dropZone" and let go
 //     resize WIDTH HEIGHT  of the window
 
@@ -18,6 +19,7 @@
 #include <QDropEvent>
 #include <QGenericPlugin>
 #include <QGuiApplication>
+#include <QKeySequence>
 #include <QMimeData>
 #include <QQuickWindow>
 #include <QSocketNotifier>
@@ -27,6 +29,7 @@
 #include <array>
 #include <cstdio>
 #include <unistd.h>
+#include <utility>
 
 namespace zuvo::tests {
 
@@ -75,23 +78,11 @@ bool resize(QQuickWindow& window, const QStringList& sizes) {
     return true;
 }
 
-/// Whether it could be done.
-bool carryOut(const QString& order) {
-    auto* window = shownWindow();
-    if (window == nullptr)
+bool press(QQuickWindow& window, const QString& key) {
+    const auto keys = QKeySequence::fromString(key);
+    if (keys.isEmpty() || window.activeFocusItem() == nullptr)
         return false;
-    const auto verb = order.section(QLatin1Char(' '), 0, 0);
-    const auto object = order.section(QLatin1Char(' '), 1);
-    if (verb == QLatin1String("resize"))
-        return resize(*window, object.split(QLatin1Char(' ')));
-    const bool drops = verb == QLatin1String("drop");
-    const auto* item = usableItem(*window, drops ? QStringLiteral("dropZone") : object);
-    if (item == nullptr)
-        return false;
-    if (drops)
-        drop(*window, middleOf(*item), object);
-    else if (verb == QLatin1String("click"))
-        QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier, middleOf(*item));
+    QTest::keyClick(&window, keys[0].key(), keys[0].keyboardModifiers());
     return true;
 }
 
@@ -117,8 +108,39 @@ private:
         }
     }
 
+    /// Whether it could be done.
+    bool carryOut(const QString& order) {
+        auto* window = shownWindow();
+        if (window == nullptr)
+            return false;
+        const auto verb = order.section(QLatin1Char(' '), 0, 0);
+        const auto object = order.section(QLatin1Char(' '), 1);
+        if (verb == QLatin1String("resize"))
+            return resize(*window, object.split(QLatin1Char(' ')));
+        if (verb == QLatin1String("press"))
+            return press(*window, object);
+        const bool drops = verb == QLatin1String("drop");
+        const auto* item = usableItem(*window, drops ? QStringLiteral("dropZone") : object);
+        if (item == nullptr)
+            return false;
+        const auto place = middleOf(*item);
+        if (drops)
+            drop(*window, place, object);
+        else if (verb == QLatin1String("click"))
+            return click(*window, place);
+        return true;
+    }
+
+    bool click(QQuickWindow& window, QPoint place) {
+        if (std::exchange(m_lastPlace, place) != place)
+            return false;
+        QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, place);
+        return true;
+    }
+
     QSocketNotifier m_orders{STDIN_FILENO, QSocketNotifier::Read};
     QByteArray m_heard;
+    QPoint m_lastPlace; ///< that was to be clicked at
 };
 
 class HandsPlugin final : public QGenericPlugin {

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -48,6 +49,13 @@ protected:
         exportsBefore = filesBelow(world.exports(""));
         world.services.forgetRequests();
         givenServicesTell("The second telling.");
+    }
+
+    /// A tool that a failed test has left would wait for ever.
+    void TearDown() override {
+        window.reset();
+        for (const auto process : world.processes())
+            ::kill(static_cast<pid_t>(process), SIGKILL);
     }
 
     void givenServicesTell(const std::string& story) {

@@ -134,6 +134,7 @@ TEST_F(KillTest, killedAtAnyMomentNothingIsHalfWrittenAndNothingIsLost) {
         if (HasFailure())
             break;
     }
+    std::cout << killed << " mines were still running when they were killed\n";
     EXPECT_GT(killed, 0) << "no mine was still running when it was killed";
 
     const auto storiesBefore = storiesKept(world, "talk");

@@ -1,6 +1,7 @@
 #include "ui/WindowDriver.h"
 
 #include "fakes/CoroutineTest.h"
+#include "support/ShownItems.h"
 
 #include <QTest>
 #include <gtest/gtest.h>
@@ -13,30 +14,12 @@ namespace {
 /// Longer than any change of page.
 constexpr std::chrono::milliseconds animationsEnd{450};
 
-QQuickItem* findVisible(QQuickItem* item, const std::function<bool(QQuickItem*)>& matches) {
-    if (!item->isVisible() || item->opacity() <= 0.0)
-        return nullptr;
-    if (matches(item))
-        return item;
-    const auto children = item->childItems();
-    // What was added last lies on top.
-    for (auto child = children.crbegin(); child != children.crend(); ++child) {
-        if (auto* found = findVisible(*child, matches))
-            return found;
-    }
-    return nullptr;
-}
-
 void collectShown(QQuickItem* item, std::vector<QQuickItem*>& found) {
     if (!item->isVisible() || item->opacity() <= 0.0)
         return;
     found.push_back(item);
     for (auto* child : item->childItems())
         collectShown(child, found);
-}
-
-QPoint middleOf(const QQuickItem& item) {
-    return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
 }
 
 } // namespace
@@ -60,12 +43,12 @@ void WindowDriver::open() {
 }
 
 QQuickItem* WindowDriver::find(const QString& name) {
-    return findVisible(window().contentItem(),
-                       [&name](const QQuickItem* item) { return item->objectName() == name && item->isEnabled(); });
+    return findShown(window().contentItem(),
+                     [&name](const QQuickItem* item) { return item->objectName() == name && item->isEnabled(); });
 }
 
 QQuickItem* WindowDriver::findEvenDisabled(const QString& name) {
-    return findVisible(window().contentItem(), [&name](const QQuickItem* item) { return item->objectName() == name; });
+    return findShown(window().contentItem(), [&name](const QQuickItem* item) { return item->objectName() == name; });
 }
 
 std::vector<QQuickItem*> WindowDriver::shownItems() {
@@ -83,9 +66,8 @@ bool WindowDriver::waitUntilGone(const QString& name) {
 }
 
 bool WindowDriver::showsText(const QString& text) {
-    return findVisible(window().contentItem(), [&text](const QQuickItem* item) {
-               return item->property("text").toString() == text;
-           }) != nullptr;
+    return findShown(window().contentItem(),
+                     [&text](const QQuickItem* item) { return item->property("text").toString() == text; }) != nullptr;
 }
 
 bool WindowDriver::waitForText(const QString& text) {

@@ -14,7 +14,7 @@ namespace zuvo {
 ///
 /// Those that are seen; the first and the last, which Tab reaches from outside; and those around the one that has the
 /// keyboard, to which Tab leads from there.
-class SeenRowsModel final : public QSortFilterProxyModel {
+class SeenRowsModel : public QSortFilterProxyModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(int firstSeen READ firstSeen WRITE setFirstSeen NOTIFY firstSeenChanged)

@@ -47,12 +47,19 @@ void RowListModel::removeMissing(const std::vector<ListRow>& rows) {
     QSet<QString> wanted;
     for (const auto& row : rows)
         wanted.insert(row.key);
-    for (int row = count() - 1; row >= 0; --row) {
-        if (wanted.contains(m_rows.at(static_cast<std::size_t>(row)).key))
+    const auto isWanted = [this, &wanted](int row) {
+        return wanted.contains(m_rows.at(static_cast<std::size_t>(row)).key);
+    };
+    for (int last = count() - 1; last >= 0; --last) {
+        if (isWanted(last))
             continue;
-        beginRemoveRows({}, row, row);
-        m_rows.erase(m_rows.begin() + row);
+        int first = last;
+        while (first > 0 && !isWanted(first - 1))
+            --first;
+        beginRemoveRows({}, first, last);
+        m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
         endRemoveRows();
+        last = first;
     }
 }
 
@@ -66,13 +73,21 @@ bool RowListModel::standsInOrderIn(const std::vector<ListRow>& rows) const {
 }
 
 void RowListModel::insertNew(const std::vector<ListRow>& rows) {
+    const auto isThere = [this](std::size_t place, const ListRow& row) {
+        return place < m_rows.size() && m_rows.at(place).key == row.key;
+    };
     for (std::size_t place = 0; place < rows.size(); ++place) {
-        if (place < m_rows.size() && m_rows.at(place).key == rows.at(place).key)
+        if (isThere(place, rows.at(place)))
             continue;
-        const int row = static_cast<int>(place);
-        beginInsertRows({}, row, row);
-        m_rows.insert(m_rows.begin() + row, rows.at(place));
+        auto end = place + 1;
+        while (end < rows.size() && !isThere(place, rows.at(end)))
+            ++end;
+        const int first = static_cast<int>(place);
+        const int last = static_cast<int>(end) - 1;
+        beginInsertRows({}, first, last);
+        m_rows.insert(m_rows.begin() + first, rows.begin() + first, rows.begin() + last + 1);
         endInsertRows();
+        place = end - 1;
     }
 }
 

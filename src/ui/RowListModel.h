@@ -17,8 +17,8 @@ struct ListRow {
     QVariantList values;
 };
 
-/// A short list that is told anew as a whole, and tells its views only what differs: a row that stays keeps its place
-/// on screen, with the keyboard on it. Keys differ from row to row.
+/// A list that is told anew as a whole, and tells its views only what differs: a row that stays keeps its place on
+/// screen, with the keyboard on it. Neighbours that come or go together are told at once. Keys differ from row to row.
 class RowListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT

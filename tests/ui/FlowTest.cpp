@@ -119,6 +119,24 @@ TEST_F(FlowTest, theStepsAreNumberedAndNamedInTheirOrder) {
     }
 }
 
+TEST_F(FlowTest, theConnectorsHaveRoomInTheNarrowestWindow) {
+    launchFlow();
+    driver->resize(900, 600);
+    for (const auto step : {MineStep::setup, MineStep::review, MineStep::done}) {
+        world.page<MineViewModel>()->advanceTo(step);
+        for (int number = 0; number < 4; ++number) {
+            const auto* item = driver->find(stepName(number));
+            const auto end = item->mapToScene({item->width(), 0}).x();
+            const auto next = driver->find(stepName(number + 1))->mapToScene({0, 0}).x();
+            constexpr double dots = 5 * 3 + 4 * 4;
+            EXPECT_GE(next - end, dots + 2 * 2.25) << number;
+        }
+        EXPECT_GE(driver->find(stepName(0))->mapToScene({0, 0}).x(), 220 + 2);
+        const auto* last = driver->find(stepName(4));
+        EXPECT_LE(last->mapToScene({last->width(), 0}).x(), 900 - 2);
+    }
+}
+
 TEST_F(FlowTest, aTapOnAnEarlierStepGoesBackToIt) {
     launchFlow();
     for (const int earlier : {3, 2, 1, 0}) {

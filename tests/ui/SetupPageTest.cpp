@@ -1,5 +1,6 @@
 #include "ui/FlowFixture.h"
 
+#include <QFileInfo>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <algorithm>
@@ -25,6 +26,33 @@ protected:
                 names.push_back(item->property("filename").toString().toStdString());
         }
         return names;
+    }
+
+    /// How many rows of files are there as items, seen or not.
+    [[nodiscard]] std::ptrdiff_t madeRows() {
+        const auto items = driver->shownItems();
+        return std::count_if(items.begin(), items.end(),
+                             [](const QQuickItem* item) { return item->property("fileId").isValid(); });
+    }
+
+    [[nodiscard]] bool isInWindow(const QString& name) {
+        const auto* item = driver->find(name);
+        if (item == nullptr)
+            return false;
+        const auto place = item->mapRectToScene(item->boundingRect());
+        return place.top() >= 0.0 && place.bottom() <= driver->window().height();
+    }
+
+    [[nodiscard]] static QString removalOf(int row) { return QStringLiteral("removeFile%1").arg(row); }
+
+    /// Files that are all probed, which need not be there.
+    void givenFiles(int count) {
+        std::vector<DroppedFile> files(static_cast<std::size_t>(count));
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            files[i].url = QUrl(QStringLiteral("file:///none/take %1.wav").arg(i));
+            files[i].isProbing = false;
+        }
+        flow().setDroppedFiles(std::move(files));
     }
 
     [[nodiscard]] std::ptrdiff_t probesAskedFor(const std::string& pathEnd) {
@@ -111,6 +139,22 @@ TEST_F(SetupPageInWindow, theRealDialogAsksForManyFilesInItsWords) {
     const auto filters = dialog->property("nameFilters").toStringList();
     ASSERT_FALSE(filters.isEmpty());
     EXPECT_TRUE(filters.constFirst().contains(QStringLiteral("*.mxf")));
+    EXPECT_TRUE(QFileInfo(dialog->property("currentFolder").toUrl().toLocalFile()).isDir());
+}
+
+TEST_F(SetupPageInWindow, theDialogOpensWhereFilesWereChosenLastAlsoOnAPageMadeAnew) {
+    launch();
+    givenDialogGives({givenFile("a.wav")});
+    driver->click(QStringLiteral("browseButton"));
+    EXPECT_THAT(fileNames(), ElementsAre("a.wav"));
+    driver->click(QStringLiteral("tab0"));
+    driver->click(QStringLiteral("tab1"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("browseButton")));
+    const auto* picker = driver->window().findChild<QObject*>(QStringLiteral("filePicker"));
+    auto* component = picker->property("dialog").value<QQmlComponent*>();
+    const std::unique_ptr<QObject> dialog(component->create(component->creationContext()));
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->property("currentFolder").toUrl().toLocalFile().toStdString(), world.disk() / "footage");
 }
 
 TEST_F(SetupPageInWindow, draggingOverTheZoneMarksIt) {
@@ -221,19 +265,20 @@ TEST_F(SetupPageInWindow, textThatIsDraggedOverTheZoneIsNoFile) {
 
 TEST_F(SetupPageInWindow, manyFilesAtOnceEachWithItsOwnStateWhileTheWindowLives) {
     launch();
+    driver->resize(1100, 2900);                       // so that all of them are seen
     tools->answer(probing(".wav"), ProcessOutcome()); // no media
     tools->hold(probing("held.mp3"));
     QList<QUrl> urls{sample(1), givenFile("held.mp3")};
-    for (int i = 0; i < 58; ++i)
+    for (int i = 0; i < 38; ++i)
         urls.append(givenFile("take " + std::to_string(i) + ".wav"));
     drop(urls);
-    EXPECT_EQ(fileNames().size(), 60U);
-    EXPECT_TRUE(driver->waitForText(QStringLiteral("60 files")));
-    EXPECT_EQ(filesThatSay(QStringLiteral("Probing…")).size(), 60U);
+    EXPECT_EQ(fileNames().size(), 40U);
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("40 files")));
+    EXPECT_EQ(filesThatSay(QStringLiteral("Probing…")).size(), 40U);
     ASSERT_TRUE(waitUntil([this] { return filesThatSay(QStringLiteral("Probing…")).size() == 1; }));
     EXPECT_THAT(filesThatSay(QStringLiteral("Probing…")), ElementsAre("held.mp3"));
     EXPECT_THAT(filesThatSay(QStringLiteral("1:03")), ElementsAre("harbour_interview_01.m4a"));
-    EXPECT_EQ(filesThatSay(QStringLiteral("8 B")).size(), 59U); // "no media"
+    EXPECT_EQ(filesThatSay(QStringLiteral("8 B")).size(), 39U); // "no media"
     // One that takes long keeps nobody from going on.
     driver->click(QStringLiteral("mode1"));
     EXPECT_EQ(flow().selectedMode(), MiningMode::storyMine);
@@ -258,6 +303,83 @@ TEST_F(SetupPageInWindow, ofVeryManyFilesOnlySomeAreAskedAboutAtOnceAndThoseRemo
     ASSERT_TRUE(waitUntil([this] { return filesThatSay(QStringLiteral("Probing…")).empty(); }));
     EXPECT_EQ(fileNames().size(), 10U);
     EXPECT_EQ(probesAskedFor(".wav"), 10);
+}
+
+TEST_F(SetupPageInWindow, ofAThousandFilesOnlyTheRowsThatAreSeenAreMade) {
+    launch();
+    constexpr int mostRows = 24; // 11 fit into the page
+    givenFiles(1000);
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("1000 files")));
+    EXPECT_LE(madeRows(), mostRows);
+    EXPECT_GE(madeRows(), 8);
+    EXPECT_EQ(driver->find(QStringLiteral("fileList"))->height(), 1000 * 56 + 999 * 8);
+    for (const double share : {0.25, 0.5, 1.0}) {
+        auto* scroll = driver->find(QStringLiteral("setupLeft"));
+        const auto farthest = scroll->property("contentHeight").toDouble() - scroll->height();
+        scroll->setProperty("contentY", share * farthest);
+        EXPECT_LE(madeRows(), mostRows);
+        const auto top = driver->find(QStringLiteral("fileList"))->mapToScene({0, 0}).y();
+        const auto row = std::min(999, static_cast<int>((375 - top) / 64)); // in the middle of the window
+        EXPECT_TRUE(isInWindow(removalOf(row))) << row;
+    }
+    EXPECT_TRUE(isInWindow(removalOf(999)));
+    EXPECT_FALSE(driver->shows(removalOf(500)));
+    driver->click(removalOf(998));
+    EXPECT_TRUE(driver->waitForText(QStringLiteral("take 999.wav")));
+    EXPECT_FALSE(driver->showsText(QStringLiteral("take 998.wav")));
+    driver->click(QStringLiteral("clearAllButton"));
+    EXPECT_TRUE(driver->waitFor(QStringLiteral("emptyDropZone")));
+    EXPECT_EQ(madeRows(), 0);
+}
+
+TEST_F(SetupPageInWindow, theKeyboardReachesEveryRowOfAThousandFiles) {
+    launch();
+    givenFiles(1000);
+    tabTo(removalOf(0));
+    for (int row = 0; row < 40; ++row) {
+        ASSERT_EQ(driver->focusedName(), removalOf(row));
+        ASSERT_TRUE(isInWindow(removalOf(row))) << row;
+        driver->press(Qt::Key_Tab);
+    }
+    for (int row = 40; row > 0; --row) {
+        ASSERT_EQ(driver->focusedName(), removalOf(row));
+        ASSERT_TRUE(isInWindow(removalOf(row))) << row;
+        driver->press(Qt::Key_Backtab, Qt::ShiftModifier);
+    }
+    driver->press(Qt::Key_End);
+    EXPECT_EQ(driver->focusedName(), removalOf(999));
+    EXPECT_TRUE(isInWindow(removalOf(999)));
+    driver->press(Qt::Key_Tab);
+    EXPECT_EQ(driver->focusedName(), QStringLiteral("addMoreButton"));
+    // The wheel may have gone elsewhere meanwhile.
+    driver->find(QStringLiteral("setupLeft"))->setProperty("contentY", 0.0);
+    driver->press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(driver->focusedName(), removalOf(999));
+    EXPECT_TRUE(isInWindow(removalOf(999)));
+    driver->press(Qt::Key_Up);
+    EXPECT_EQ(driver->focusedName(), removalOf(998));
+    driver->press(Qt::Key_Space);
+    EXPECT_EQ(fileNames().size(), 999U);
+    EXPECT_EQ(fileNames().at(998), "take 999.wav");
+    EXPECT_EQ(driver->focusedName(), removalOf(998));
+    driver->press(Qt::Key_Home);
+    EXPECT_EQ(driver->focusedName(), removalOf(0));
+    EXPECT_TRUE(isInWindow(removalOf(0)));
+    driver->press(Qt::Key_PageDown);
+    EXPECT_EQ(driver->focusedName(), removalOf(9));
+    driver->press(Qt::Key_Down);
+    EXPECT_EQ(driver->focusedName(), removalOf(10));
+}
+
+TEST_F(SetupPageInWindow, aRowKeepsTheKeyboardWhileItIsScrolledOutOfSight) {
+    launch();
+    givenFiles(1000);
+    tabTo(removalOf(3));
+    driver->find(QStringLiteral("setupLeft"))->setProperty("contentY", 30000.0);
+    EXPECT_EQ(driver->focusedName(), removalOf(3));
+    driver->press(Qt::Key_Tab);
+    EXPECT_EQ(driver->focusedName(), removalOf(4));
+    EXPECT_TRUE(isInWindow(removalOf(4)));
 }
 
 TEST_F(SetupPageInWindow, filesHeldOverAFilledListMarkItToo) {

@@ -81,7 +81,7 @@ FocusScope {
                     anchors.verticalCenter: parent.verticalCenter
                     text: "Refresh account"
                     padding: Theme.spacing8
-                    enabled: !view.model.isRefreshing
+                    isAvailable: !view.model.isRefreshing
                     onClicked: view.model.refresh()
                     contentItem: Symbol {
                         id: refreshSymbol

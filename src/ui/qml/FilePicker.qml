@@ -12,6 +12,7 @@ Item {
         title: "Select audio or video files to mine"
         fileMode: FileDialog.OpenFiles
         nameFilters: picker.filters
+        currentFolder: FootageFolder.url()
     }
 
     signal chosen(var urls)
@@ -19,6 +20,7 @@ Item {
     function open() {
         const asking = dialog.createObject(picker);
         asking.accepted.connect(() => {
+            FootageFolder.remember(asking.selectedFiles);
             picker.chosen(asking.selectedFiles);
             asking.destroy();
         });

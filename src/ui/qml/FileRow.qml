@@ -7,7 +7,7 @@ import Zuvo
 Rectangle {
     id: row
 
-    required property int index
+    required property int place ///< in the list, from 0
     required property string filename
     required property string symbol
     required property bool isProbing
@@ -46,7 +46,7 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         spacing: Theme.spacing2
         Label {
-            objectName: "fileName" + row.index
+            objectName: "fileName" + row.place
             width: parent.width
             text: row.filename
             textFormat: Text.PlainText
@@ -77,7 +77,7 @@ Rectangle {
     }
     PlainButton {
         id: removeButton
-        objectName: "removeFile" + row.index
+        objectName: "removeFile" + row.place
         anchors.right: parent.right
         anchors.rightMargin: Theme.spacing12
         anchors.verticalCenter: parent.verticalCenter

@@ -21,7 +21,7 @@ PlainButton {
     background: Item {
         SoftShadow {
             anchors.fill: parent
-            visible: button.enabled
+            visible: button.isAvailable
             cornerRadius: Theme.radiusMd
             color: Theme.faded(button.fill, 0.3)
             radius: 16
@@ -30,14 +30,14 @@ PlainButton {
         Rectangle {
             anchors.fill: parent
             radius: Theme.radiusMd
-            color: button.enabled ? button.fill : Theme.faded(Theme.textMuted, 0.2)
-            border.width: button.enabled ? Hairline.width(Screen.devicePixelRatio) : 0
+            color: button.isAvailable ? button.fill : Theme.faded(Theme.textMuted, 0.2)
+            border.width: button.isAvailable ? Hairline.width(Screen.devicePixelRatio) : 0
             border.color: Qt.tint(button.fill, Qt.rgba(1, 1, 1, 0.15))
         }
         Rectangle {
             anchors.fill: parent
             radius: Theme.radiusMd
-            visible: button.enabled && button.hovered && !button.down
+            visible: button.isAvailable && button.hovered && !button.down
             color: Qt.rgba(1, 1, 1, 0.06)
         }
     }
@@ -61,7 +61,7 @@ PlainButton {
                 anchors.verticalCenter: parent.verticalCenter
                 text: button.text
                 font: Theme.textFont(15, Font.DemiBold)
-                color: button.enabled ? button.ink : Theme.faded(Theme.foreground, 0.4)
+                color: button.isAvailable ? button.ink : Theme.faded(Theme.foreground, 0.4)
             }
         }
     }

@@ -149,7 +149,7 @@ FocusScope {
                 width: (parent.width - parent.spacing) / 2
                 text: view.model.reinstallText
                 symbolName: "arrow.triangle.2.circlepath"
-                enabled: !view.model.isBusy
+                isAvailable: !view.model.isBusy
                 onClicked: view.model.reinstall()
             }
             DestructiveButtonStyle {
@@ -158,7 +158,7 @@ FocusScope {
                 width: (parent.width - parent.spacing) / 2
                 text: "Uninstall Plugin"
                 symbolName: "trash.fill"
-                enabled: !view.model.isBusy
+                isAvailable: !view.model.isBusy
                 onClicked: view.model.askToUninstall()
             }
             PrimaryButtonStyle {
@@ -167,7 +167,7 @@ FocusScope {
                 width: parent.width
                 text: view.model.installText
                 symbolName: "square.and.arrow.down.fill"
-                enabled: !view.model.isBusy
+                isAvailable: !view.model.isBusy
                 onClicked: view.model.install()
             }
         }

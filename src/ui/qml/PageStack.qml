@@ -54,7 +54,7 @@ FocusScope {
         function enter() { entering.start(); }
         function leave() {
             entering.stop();
-            enabled = false;
+            enabled = false; // which buttons do not show: they look as `isAvailable` says
             focus = false;
             leaving.start();
         }

@@ -27,16 +27,21 @@ Item {
         rotation: 45
         antialiasing: true
         color: Theme.faded(gem.color, 0.95)
+    }
+    // The facet that looks to the upper left.
+    Item {
+        objectName: "gemHighlight"
+        width: gem.width / 2
+        height: gem.height / 2
+        clip: true
         Rectangle {
-            // Turned with the face, its lower left quarter is the facet that looks to the upper left.
-            width: parent.width / 2
-            height: parent.height
+            x: face.x
+            y: face.y
+            width: face.width
+            height: face.height
+            rotation: face.rotation
             antialiasing: true
-            gradient: Gradient {
-                orientation: Gradient.Horizontal
-                GradientStop { position: 0; color: Qt.rgba(1, 1, 1, 0.35) }
-                GradientStop { position: 1; color: Qt.rgba(1, 1, 1, 0.35) }
-            }
+            color: Qt.rgba(1, 1, 1, 0.35)
         }
     }
 }

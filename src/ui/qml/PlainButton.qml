@@ -7,11 +7,15 @@ T.AbstractButton {
     id: button
 
     property real ringRadius: Theme.radiusXs
+    /// Whether there is something to press it for. What a button looks like follows this, not `enabled`: a page that
+    /// leaves is disabled as a whole, and looks as before.
+    property bool isAvailable: true
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
+    enabled: isAvailable
 
     Accessible.role: Accessible.Button
     Accessible.name: text

@@ -7,6 +7,9 @@ Column {
     id: zone
 
     required property SetupPageModel model
+    /// The part of this item that is seen, from its upper edge.
+    required property real seenFrom
+    required property real seenTo
     signal browse()
 
     spacing: Theme.spacing12
@@ -28,28 +31,69 @@ Column {
             color: Theme.faded(Theme.textMuted, 0.5)
         }
     }
-    Column {
+    // Items for hundreds of rows would keep the window waiting: only those that are seen have one.
+    SeenRowsModel {
+        id: seen
+        readonly property int cushion: 2 ///< rows above and below, so that Tab leads on
+        sourceModel: zone.model.files
+        firstSeen: Math.floor((zone.seenFrom - list.y) / list.pitch) - cushion
+        lastSeen: Math.floor((zone.seenTo - list.y) / list.pitch) + cushion
+    }
+    Item {
+        id: list
+        objectName: "fileList"
+        readonly property real rowHeight: 56
+        readonly property real pitch: rowHeight + Theme.spacing8
+        readonly property int count: zone.model.files.count
         width: parent.width
-        spacing: Theme.spacing8
+        implicitHeight: Math.max(0, count * pitch - Theme.spacing8)
         Accessible.role: Accessible.List
         Accessible.name: "Source files"
         Repeater {
             id: rows
-            model: zone.model.files
+            model: seen
             FileRow {
                 id: row
                 required property string fileId
-                width: zone.width
+                readonly property bool hasKeyboard: removeButton.activeFocus
+                y: place * list.pitch
+                width: list.width
+                height: list.rowHeight
+                onHasKeyboardChanged: if (hasKeyboard) seen.focusedRow = place
+                onPlaceChanged: if (hasKeyboard) seen.focusedRow = place
                 onRemoved: {
                     const reason = removeButton.visualFocus ? Qt.TabFocusReason : Qt.OtherFocusReason;
-                    const hadKeyboard = removeButton.activeFocus;
-                    const place = row.index;
-                    const list = rows;
-                    zone.model.removeFile(row.fileId);
+                    const hadKeyboard = hasKeyboard;
+                    const next = place;
+                    const view = list;
+                    zone.model.removeFile(fileId);
                     // Whoever removes by the keyboard goes on from the next row.
-                    if (hadKeyboard && list.count > 0)
-                        list.itemAt(Math.min(place, list.count - 1)).removeButton.forceActiveFocus(reason);
+                    if (hadKeyboard && view.count > 0)
+                        view.standOn(next, reason);
                 }
+            }
+        }
+
+        // Long lists are gone through faster than row by row.
+        Keys.onPressed: event => {
+            const pageful = Math.max(1, Math.floor((zone.seenTo - zone.seenFrom) / pitch) - 1);
+            const ways = {
+                [Qt.Key_Up]: -1, [Qt.Key_Down]: 1, [Qt.Key_PageUp]: -pageful, [Qt.Key_PageDown]: pageful,
+                [Qt.Key_Home]: -count, [Qt.Key_End]: count
+            };
+            const way = ways[event.key];
+            event.accepted = way !== undefined;
+            if (event.accepted)
+                standOn(seen.focusedRow + way, Qt.TabFocusReason);
+        }
+        /// Gives the keyboard to the row of that number, or to the one at the nearer end.
+        function standOn(number, reason) {
+            const place = Math.max(0, Math.min(number, count - 1));
+            seen.focusedRow = place;
+            for (let i = 0; i < rows.count; ++i) {
+                const row = rows.itemAt(i) as FileRow;
+                if (row && row.place === place)
+                    row.removeButton.forceActiveFocus(reason);
             }
         }
     }

@@ -114,6 +114,8 @@ FocusScope {
                 width: parent.width
                 visible: setup.hasFiles
                 model: setup
+                seenFrom: left.contentY - left.inset - dropZone.y
+                seenTo: seenFrom + left.height
                 onBrowse: picker.open()
             }
         }
@@ -288,7 +290,7 @@ FocusScope {
             id: actionButton
             objectName: "actionButton"
             width: parent.width
-            enabled: setup.actionEnabled
+            isAvailable: setup.actionEnabled
             fill: setup.isAudit ? Theme.gemAmethyst : Theme.accent
             text: setup.actionText
             symbolName: "arrow.right"

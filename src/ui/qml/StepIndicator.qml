@@ -19,13 +19,13 @@ Item {
         return sum;
     }
     readonly property int connectorDotsWidth: 5 * 3 + 4 * 4
-    /// Around each connector, as much as the page has to give.
-    readonly property real gap: Math.max(2, Math.min(12, (width - 8 - stepsWidth - 4 * connectorDotsWidth) / 8))
+    /// Around each connector and at both ends, as much as the page has to give.
+    readonly property real gap: Math.max(2, Math.min(12, (width - stepsWidth - 4 * connectorDotsWidth) / 10))
 
     Row {
         anchors.centerIn: parent
         // With a font that is wider than usual the narrowest window holds the steps a little smaller.
-        scale: Math.min(1, (stepIndicator.width - 8) / implicitWidth)
+        scale: Math.min(1, (stepIndicator.width - 4) / implicitWidth)
         Repeater {
             id: steps
             model: 5

@@ -25,7 +25,7 @@ PlainButton {
     rightPadding: Theme.spacing24
     ringRadius: cornerRadius
     scale: down ? 0.98 : 1.0
-    opacity: enabled ? 1 : 0.45
+    opacity: isAvailable ? 1 : 0.45
 
     Behavior on scale {
         // Response 0.25 s, damping fraction 0.7, in the animation's own steps of 16 ms.
@@ -37,7 +37,7 @@ PlainButton {
         // One shadow gives way to the other: a blur is too dear to be drawn for each step between them.
         Loader {
             anchors.fill: parent
-            active: button.shadowColor.a > 0 && button.enabled
+            active: button.shadowColor.a > 0 && button.isAvailable
             opacity: 1 - button.sunk
             sourceComponent: SoftShadow {
                 cornerRadius: button.cornerRadius
@@ -48,7 +48,7 @@ PlainButton {
         }
         Loader {
             anchors.fill: parent
-            active: button.shadowColor.a > 0 && button.enabled && button.sunk > 0
+            active: button.shadowColor.a > 0 && button.isAvailable && button.sunk > 0
             opacity: button.sunk
             sourceComponent: SoftShadow {
                 cornerRadius: button.cornerRadius

@@ -12,7 +12,7 @@ PlainButton {
     property color fill: "transparent"
     property font textFont: Theme.textFont(12, Font.Medium)
     property bool showsText: true
-    readonly property color current: hovered && enabled ? hoverInk : ink
+    readonly property color current: hovered && isAvailable ? hoverInk : ink
 
     implicitHeight: 32
     leftPadding: Theme.spacing12

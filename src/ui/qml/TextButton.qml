@@ -14,7 +14,7 @@ PlainButton {
         text: button.text
         textFormat: Text.PlainText
         font: button.textFont
-        color: button.hovered && button.enabled ? Theme.foreground : button.textColor
+        color: button.hovered && button.isAvailable ? Theme.foreground : button.textColor
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         Behavior on color { ColorAnimation { duration: 150 } }

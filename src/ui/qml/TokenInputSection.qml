@@ -52,7 +52,7 @@ FocusScope {
             objectName: "submitTokenButton"
             width: parent.width
             text: view.model.tokenButtonText
-            enabled: view.model.canSubmitToken
+            isAvailable: view.model.canSubmitToken
             onClicked: view.model.submitToken()
         }
         Item { width: 1; height: Theme.spacing12 }

@@ -97,7 +97,7 @@ FocusScope {
                 text: view.model.checkText
                 symbolName: "arrow.clockwise"
                 symbolSize: 13
-                enabled: !view.model.isChecking
+                isAvailable: !view.model.isChecking
                 onClicked: view.model.check()
             }
         }
@@ -143,7 +143,7 @@ FocusScope {
                 width: parent.width
                 text: view.model.installText
                 symbolName: "square.and.arrow.down.fill"
-                enabled: !view.model.isInstalling
+                isAvailable: !view.model.isInstalling
                 onClicked: view.model.install()
             }
             Rectangle {

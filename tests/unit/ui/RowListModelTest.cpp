@@ -96,3 +96,19 @@ TEST_F(RowList, theSameKeyTwiceIsTwoRows) {
     tell("a", "x");
     EXPECT_EQ(values(), "x");
 }
+
+TEST_F(RowList, neighboursThatComeTogetherAreToldAtOnce) {
+    tell("ad", "xy");
+    tell("abcdef", "123456");
+    EXPECT_THAT(told, ElementsAre("insert 1-2", "insert 4-5", "change 0", "change 3"));
+    EXPECT_EQ(values(), "123456");
+}
+
+TEST_F(RowList, neighboursThatGoTogetherAreToldAtOnce) {
+    tell("abcdef", "123456");
+    tell("ad", "14");
+    EXPECT_THAT(told, ElementsAre("remove 4-5", "remove 1-2"));
+    EXPECT_EQ(values(), "14");
+    tell("", "");
+    EXPECT_THAT(told, ElementsAre("remove 0-1"));
+}

@@ -42,6 +42,7 @@ public:
     /// A token is valid if the service says whose it is: the same as `getMe`.
     [[nodiscard]] QCoro::Task<UserInfo> validateToken(std::string token) const;
 
+    // What it was made with.
     [[nodiscard]] const AccountAddresses& addresses() const { return m_addresses; }
     [[nodiscard]] const std::shared_ptr<HttpClient>& http() const { return m_http; }
     [[nodiscard]] std::chrono::milliseconds timeout() const { return m_timeout; }

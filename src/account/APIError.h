@@ -8,9 +8,15 @@ namespace zuvo {
 /// Why a request to the account service gave nothing, in words for the user.
 class APIError final : public std::exception {
 public:
-    enum class Kind { httpError, decodingError, networkError, invalidURL, invalidResponse };
+    enum class Kind {
+        httpError,       ///< an answer with a status outside 200 to 299
+        decodingError,   ///< an answer that is not the record asked for
+        networkError,    ///< no answer came, or the service's address is refused
+        invalidURL,      ///< base address and endpoint make no address; nothing was sent
+        invalidResponse, ///< an answer without a status
+    };
 
-    /// An answer with a status outside 200 to 299; `message` is its body.
+    /// `message` is the answer's body.
     static APIError httpError(int statusCode, std::string message) {
         return {Kind::httpError, statusCode, std::move(message)};
     }
@@ -22,6 +28,7 @@ public:
     [[nodiscard]] Kind kind() const { return m_kind; }
     [[nodiscard]] int statusCode() const { return m_statusCode; } ///< of an httpError, else 0
 
+    /// The words for the user, the same as `what()`.
     [[nodiscard]] const std::string& errorDescription() const { return m_description; }
     [[nodiscard]] const char* what() const noexcept override { return m_description.c_str(); }
 

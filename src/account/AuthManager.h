@@ -31,13 +31,17 @@ public:
     /// True from an answer of the service to this token until `signOut`; a token that was read from the file counts
     /// only once the service has answered.
     [[nodiscard]] bool isSignedIn() const { return m_state.isSignedIn; }
+    // As the service last told; empty, 0 and "Free" while nobody is signed in. Name and address come from the file
+    // until then.
     [[nodiscard]] const std::string& userName() const { return m_state.userName; }
     [[nodiscard]] const std::string& userEmail() const { return m_state.userEmail; }
     [[nodiscard]] std::int64_t credits() const { return m_state.credits; }
     [[nodiscard]] const std::string& plan() const { return m_state.plan; }
     [[nodiscard]] bool isLoading() const { return m_state.isLoading; } ///< while a sign-in waits for the service
+    /// Why the last sign-in failed, for the user; holds no token.
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_state.errorMessage; }
 
+    /// The token held, whether or not the service has answered to it. Not to be shown or logged.
     [[nodiscard]] std::optional<std::string> getToken() const { return m_token; }
 
     /// Opens the service's sign-in page in the browser, from which a sign-in link comes back. If the service's address

@@ -20,6 +20,7 @@ namespace zuvo {
 /// How far a mine by the service is, as a page shows it.
 enum class ProcessingStep { idle, extracting, uploading, transcribing, analyzing, translating, complete, error };
 
+/// In the order in which a mine goes through them, `error` last.
 inline constexpr std::array allProcessingSteps = {
     ProcessingStep::idle,      ProcessingStep::extracting,  ProcessingStep::uploading, ProcessingStep::transcribing,
     ProcessingStep::analyzing, ProcessingStep::translating, ProcessingStep::complete,  ProcessingStep::error};
@@ -33,11 +34,12 @@ inline constexpr std::array allProcessingSteps = {
 /// Waits that long without blocking the thread.
 using CooperativePause = std::function<QCoro::Task<void>(std::chrono::milliseconds)>;
 
+/// A pause in which the event loop turns.
 [[nodiscard]] CooperativePause eventLoopPause();
 
 /// What a `CloudProcessor` takes from the machine.
 struct CloudProcessorParts {
-    std::function<std::string()> newUuid;
+    std::function<std::string()> newUuid; ///< a new random UUID at each call
     CooperativePause pause = eventLoopPause();
 };
 
@@ -49,6 +51,7 @@ struct CloudProcessorParts {
 class CloudProcessor final : public QObject, public std::enable_shared_from_this<CloudProcessor> {
     Q_OBJECT
 public:
+    /// Questions about one job, 5 s apart, before it counts as timed out.
     static constexpr int maxPollingAttempts = 120;
 
     [[nodiscard]] static std::shared_ptr<CloudProcessor> create(APIClient client, CloudProcessorParts parts);
@@ -56,6 +59,7 @@ public:
     [[nodiscard]] ProcessingStep currentStep() const { return m_currentStep; }
     [[nodiscard]] double progress() const { return m_progress; } ///< never falls while a job is polled
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; }
+    /// The story of the last process that ended well; times are mine time of the uploaded file.
     [[nodiscard]] const std::optional<MiningResults>& results() const { return m_results; }
 
     /// Uploads the file and waits for the story, for at most 120 questions. Throws a CloudProcessorError through the

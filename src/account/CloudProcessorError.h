@@ -8,7 +8,12 @@ namespace zuvo {
 /// Why the service gave no story, in words for the user.
 class CloudProcessorError final : public std::exception {
 public:
-    enum class Kind { uploadFailed, processingFailed, pollingTimeout, invalidResults };
+    enum class Kind {
+        uploadFailed,     ///< the file cannot be read, or its upload failed
+        processingFailed, ///< the service refused the job or told of its failure
+        pollingTimeout,   ///< the job had not ended by the last question
+        invalidResults,   ///< the job is complete and has no story
+    };
 
     static CloudProcessorError uploadFailed(const std::string& text) {
         return {Kind::uploadFailed, "Upload failed: " + text};
@@ -24,6 +29,7 @@ public:
     }
 
     [[nodiscard]] Kind kind() const { return m_kind; }
+    /// The words for the user, the same as `what()`.
     [[nodiscard]] const std::string& errorDescription() const { return m_description; }
     [[nodiscard]] const char* what() const noexcept override { return m_description.c_str(); }
 

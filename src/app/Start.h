@@ -9,8 +9,8 @@ namespace zuvo {
 
 /// What the command line asks for. The application takes nothing but one URL of its own scheme.
 struct StartArguments {
-    std::optional<std::string> url;
-    QString refusal; ///< why it cannot start so; empty if it can
+    std::optional<std::string> url; ///< to be opened, if one was given
+    QString refusal;                ///< why it cannot start so; empty if it can
 };
 
 /// `arguments` without the program's name.

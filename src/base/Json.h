@@ -28,6 +28,7 @@ inline constexpr int maximumJsonDepth = 200;
 /// A JSON number without a fraction (3 and 3.0, not 3.7) that fits 64 bits.
 [[nodiscard]] std::optional<std::int64_t> readInteger(const Json& object, const char* key);
 
+/// A JSON text, as UTF-8.
 [[nodiscard]] std::optional<std::string> readText(const Json& object, const char* key);
 
 /// A list of which every element is an object; with one element of another kind it is no such list. The pointers are
@@ -40,6 +41,7 @@ inline constexpr int maximumJsonDepth = 200;
 // Writing. Invalid UTF-8 is replaced by U+FFFD. Nothing if the tree holds a number that JSON cannot write (NaN or an
 // infinity).
 
+/// On one line, without blanks between.
 [[nodiscard]] std::optional<std::string> compactText(const OrderedJson& tree);
 
 /// Indented by two blanks, keys in ascending order at every level.

@@ -16,26 +16,29 @@ namespace zuvo {
 /// Style options as they were given. What was not given stays empty, so that a saved project's own values can hold.
 struct StyleOptions {
     std::optional<MiningMode> mode;
-    std::optional<double> minutes;
-    std::optional<std::string> language;
+    std::optional<double> minutes;       ///< target length of the story
+    std::optional<std::string> language; ///< a code of LANGUAGES
     std::optional<std::string> presetId;
     std::vector<std::pair<std::string, double>> sliders; ///< slider id and value, in the order given
     bool isMagicMode = false;
     std::string notes;
 };
 
+/// Mines files.
 struct MineFilesCommand {
     std::vector<std::string> files; ///< absolute
     StyleOptions style;
     bool json = false;
 };
 
+/// Mines the media behind a timeline of the project that is open in Resolve, and builds the story there.
 struct MineTimelineCommand {
     std::string timeline;
     StyleOptions style;
     bool json = false;
 };
 
+/// Tells a saved project anew, in its own style but for what is given.
 struct ReloadCommand {
     std::string project;
     StyleOptions style;
@@ -66,23 +69,28 @@ struct ExportCommand {
     double framesPerSecond = 24.0;
 };
 
+/// Lists the saved projects.
 struct ProjectsCommand {
     bool json = false;
 };
 
+/// Removes a saved project with its exports.
 struct DeleteProjectCommand {
     std::string project;
 };
 
+/// Removes all caches but what was paid for.
 struct ClearCachesCommand {};
 
 /// Tells whether both keys are found, without showing them.
 struct KeysCommand {};
 
+/// Tells the program's version.
 struct VersionCommand {};
 
+/// Tells how the program, or one command of it, is used.
 struct HelpCommand {
-    std::string text;
+    std::string text; ///< to be printed as it is
 };
 
 /// The words on the command line make no command; `message` says what to write.

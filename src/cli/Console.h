@@ -21,23 +21,26 @@ enum class ConsoleForm {
 
 /// What the last line of a run's JSON form tells.
 struct RunEnd {
-    std::string step; ///< name of the step that the run ended in
-    bool interrupted = false;
-    std::string exportDir; ///< empty for none
-    std::string errorMessage;
-    std::string buildResult;
+    std::string step;         ///< name of the step that the run ended in
+    bool interrupted = false; ///< by the user
+    std::string exportDir;    ///< empty for none
+    std::string errorMessage; ///< empty for none
+    std::string buildResult;  ///< the build's own words; empty for none
 };
 
 /// Shows the lines and the progress of a run. Writes to the stream as things come, a whole line at a time.
 class Console {
 public:
+    /// The stream must outlive it.
     Console(ConsoleForm form, std::FILE* stream) : m_form(form), m_stream(stream) {}
 
+    /// Control characters in the text are made harmless.
     void showLog(const PipelineLog& line);
     /// `progress` from 0 to 1; `step` as the pages show it.
     void showProgress(double progress, std::string_view stepName, std::string_view stepText);
     /// What an audit came to: readable text, or an event of its own in the JSON form.
     void showReport(const AuditReport& report);
+    /// The last line of the JSON form; the others show nothing.
     void showEnd(const RunEnd& end);
 
     /// Takes the line of progress away, so that other output can follow.

@@ -14,6 +14,7 @@ namespace zuvo::exporters {
 /// caller keeps alive and unchanged.
 class MediaIndex {
 public:
+    /// Keeps a reference to the list.
     explicit MediaIndex(const std::vector<MediaFileInfo>& mediaFiles);
 
     /// The first file of exactly this name.

@@ -20,6 +20,7 @@ struct OffsetEntry {
     double bwfStart = 0.0; ///< the file's start timecode in seconds, 0.0 without one
 };
 
+/// The files in the order of mine time, end to end from 0.
 using OffsetMap = std::vector<OffsetEntry>;
 
 /// "HH:MM:SS:FF" in seconds, read as non-drop; a missing FF counts as 0. Empty pieces and pieces that are no integer

@@ -15,11 +15,12 @@ struct Timecode {
     std::int64_t minutes = 0;
     std::int64_t seconds = 0;
     std::int64_t frames = 0;
-    double fps = 24.0;
+    double fps = 24.0; ///< frames a second, by which `frames` is counted
 
     /// `time` in seconds; every field truncated toward zero.
     Timecode(double time, double framesPerSecond);
 
+    /// 00:00:00:00 at that rate.
     [[nodiscard]] static Timecode zero(double framesPerSecond) { return {0.0, framesPerSecond}; }
 
     /// Seconds, as the fields say it.

@@ -13,8 +13,8 @@ struct UserInfo {
     std::string id;
     std::string name;
     std::string email;
-    std::int64_t credits = 0;
-    std::string plan;
+    std::int64_t credits = 0; ///< shown alone: nothing is limited by them
+    std::string plan;         ///< the service's own name for it
 
     static constexpr auto fields() {
         using S = UserInfo;
@@ -26,8 +26,8 @@ struct UserInfo {
 /// The newest version of the Resolve plugin that the service offers.
 struct VersionInfo {
     std::string version;
-    std::optional<std::string> downloadURL;
-    std::optional<std::string> releaseNotes;
+    std::optional<std::string> downloadURL;  ///< of a ZIP archive; not trusted
+    std::optional<std::string> releaseNotes; ///< plain text
 
     static constexpr auto fields() {
         using S = VersionInfo;

@@ -30,7 +30,7 @@ struct GoldMoment {
     double endTime = 0.0;
     std::string text;
     std::string reason;
-    std::int64_t emotionalWeight = 0;
+    std::int64_t emotionalWeight = 0; ///< 1 to 5, shown as stars
 
     [[nodiscard]] std::string id() const; ///< "{startTime}-{endTime}"
 
@@ -61,9 +61,9 @@ struct Redundancy {
 
 /// A better take of something that is in the cut.
 struct AlternateTake {
-    double existingStart = 0.0;
+    double existingStart = 0.0; ///< of the take in the cut
     double existingEnd = 0.0;
-    double alternateStart = 0.0;
+    double alternateStart = 0.0; ///< of the better one
     double alternateEnd = 0.0;
     std::string alternateText;
     std::string reason;
@@ -78,14 +78,15 @@ struct AlternateTake {
     }
 };
 
+/// All that an audit found. The figures are the model's own and are not checked: they may lie outside their scales.
 struct AuditReport {
-    double coveragePercent = 0.0; ///< how much of the transcript the cut uses
+    double coveragePercent = 0.0; ///< how much of the transcript the cut uses, 0 to 100
     std::vector<UsedSegment> usedSegments;
     std::vector<GoldMoment> buriedGold;
     std::vector<Redundancy> redundancies;
     std::vector<AlternateTake> alternates;
-    std::vector<std::string> themeGaps;
-    double confidenceScore = 0.0;
+    std::vector<std::string> themeGaps; ///< what is spoken of in the footage and not in the cut
+    double confidenceScore = 0.0;       ///< how good the cut is thought to be, 0 to 100
     std::string summary;
 
     static constexpr auto fields() {

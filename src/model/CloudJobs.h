@@ -12,7 +12,7 @@ namespace zuvo::wire {
 
 /// The answer to an upload.
 struct UploadResponse {
-    std::string jobId;
+    std::string jobId; ///< by which the job is started and asked after
 
     static constexpr auto fields() { return std::tuple(Field{"jobId", &UploadResponse::jobId}); }
 };

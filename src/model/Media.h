@@ -10,18 +10,18 @@ namespace zuvo {
 
 /// What ffprobe told about one media file. With `MediaFileInfo` the only record that carries source timecode.
 struct ProbeResult {
-    std::string path;      ///< absolute
-    std::string filename;  ///< last path component
-    double duration = 0.0; ///< seconds; 0 if unknown
-    std::optional<std::string> startTimecode;
-    std::optional<double> startTimecodeSeconds;
-    std::optional<std::int64_t> sampleRate; ///< hertz
-    std::optional<double> fps;
-    std::optional<std::string> codec;
+    std::string path;                           ///< absolute
+    std::string filename;                       ///< last path component
+    double duration = 0.0;                      ///< seconds; 0 if unknown
+    std::optional<std::string> startTimecode;   ///< source timecode of the first sample, "HH:MM:SS:FF"
+    std::optional<double> startTimecodeSeconds; ///< the same in seconds, read at 24 frames a second
+    std::optional<std::int64_t> sampleRate;     ///< hertz
+    std::optional<double> fps;                  ///< frames a second, of the video
+    std::optional<std::string> codec;           ///< of the sound, as ffprobe names it
     bool hasVideo = false;
     bool hasAudio = false;
-    std::optional<std::int64_t> channels;
-    std::optional<std::int64_t> bitDepth;
+    std::optional<std::int64_t> channels; ///< of the first sound
+    std::optional<std::int64_t> bitDepth; ///< bits a sample, of the first sound
 
     static constexpr auto fields() {
         using S = ProbeResult;
@@ -37,11 +37,11 @@ struct ProbeResult {
 /// A source file as the exporters see it. The defaults hold for construction in code: JSON must name every field that
 /// is no optional.
 struct MediaFileInfo {
-    std::string path;      ///< absolute
-    std::string filename;  ///< last path component
-    double duration = 0.0; ///< seconds
-    std::optional<std::string> startTimecode;
-    double fps = 24.0;
+    std::string path;                         ///< absolute
+    std::string filename;                     ///< last path component
+    double duration = 0.0;                    ///< seconds
+    std::optional<std::string> startTimecode; ///< source timecode of the first sample, "HH:MM:SS:FF"
+    double fps = 24.0;                        ///< frames a second
     bool hasVideo = false;
     bool hasAudio = true;
     std::optional<std::string> codec;

@@ -15,13 +15,13 @@ namespace zuvo {
 /// One selected moment. A record to be replaced whole: an edit builds a new one. It has no operator==, since two
 /// moments are told apart by `index` alone.
 struct StorySegment {
-    std::int64_t index = 0;  ///< its number; `Act::segments` and word timestamps refer to it
-    double startTime = 0.0;  ///< seconds in mine time
-    double endTime = 0.0;    ///< seconds in mine time; the moment ends before it
-    std::string sourceClip;  ///< file name of the source that holds the moment
-    std::string transcript;  ///< what is said, in the spoken language
-    std::string translation; ///< in English; may be empty
-    std::optional<std::string> chapter;
+    std::int64_t index = 0;             ///< its number; `Act::segments` and word timestamps refer to it
+    double startTime = 0.0;             ///< seconds in mine time
+    double endTime = 0.0;               ///< seconds in mine time; the moment ends before it
+    std::string sourceClip;             ///< file name of the source that holds the moment
+    std::string transcript;             ///< what is said, in the spoken language
+    std::string translation;            ///< in English; may be empty
+    std::optional<std::string> chapter; ///< title of the chapter that the moment belongs to
 
     [[nodiscard]] std::int64_t id() const { return index; }
 
@@ -58,6 +58,7 @@ struct Act {
     static constexpr auto fields() { return std::tuple(Field{"name", &Act::name}, Field{"segments", &Act::segments}); }
 };
 
+/// How the moments make a story.
 struct StoryStructure {
     std::vector<Act> acts;
     double totalDuration = 0.0; ///< seconds, as the analysis stated it

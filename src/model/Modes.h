@@ -21,7 +21,7 @@ enum class PipelineStep {
     error,
 };
 
-/// The text that the progress page shows for a step.
+/// The text that the progress page shows for a step, such as "Complete".
 [[nodiscard]] std::string_view rawValue(PipelineStep step);
 
 /// The step's own name ("complete"), for programs that read along.
@@ -42,6 +42,7 @@ struct MiningModeTexts {
     std::string_view color;
 };
 
+/// What the pages say of a mode. Lives as long as the program.
 [[nodiscard]] const MiningModeTexts& texts(MiningMode mode);
 
 /// The mode with this raw value ("Audit Mine", not its label "Audit"), or nothing.
@@ -53,6 +54,7 @@ struct MiningModeTexts {
 /// Where the media of a mine come from.
 enum class SourceMode { files, resolve };
 
+/// "files" or "resolve".
 [[nodiscard]] std::string_view rawValue(SourceMode mode);
 
 } // namespace zuvo

@@ -19,6 +19,7 @@ struct CachedSegment {
     }
 };
 
+/// transcript.json: what was paid for at the transcription service.
 struct CachedTranscript {
     std::string language;
     std::vector<CachedSegment> segments;
@@ -32,6 +33,7 @@ struct CachedTranscript {
     }
 };
 
+/// project.json: a finished mine, to be told anew in another style.
 struct SavedProject {
     std::string timeline; ///< the run's name, also the name of the project's folder
     double createdAt = 0.0;
@@ -40,7 +42,7 @@ struct SavedProject {
     std::vector<CachedSegment> transcript;
     std::optional<MiningResults> results; ///< the story at the time of saving
     std::optional<std::string> presetId;
-    double targetMinutes = 0.0;
+    double targetMinutes = 0.0; ///< length that the story was asked for
 
     /// "{timeline}_{whole seconds of createdAt}"
     [[nodiscard]] std::string id() const;

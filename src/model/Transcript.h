@@ -17,9 +17,10 @@ struct TranscriptSegment {
     std::string language; ///< as the service reported it, else "unknown"
 };
 
+/// All that was said, in the order of mine time.
 struct TranscriptResult {
     std::vector<TranscriptSegment> segments;
-    std::string language;
+    std::string language; ///< of its first line
 };
 
 /// The language of a transcript whose service named none.

@@ -28,7 +28,7 @@ namespace zuvo {
 
 /// What the user wants the story to be.
 struct StoryChoices {
-    double targetMinutes = 5.0;
+    double targetMinutes = 5.0; ///< length that the story is asked for
     StyleSliders sliders;
     std::optional<std::string> presetId;
     std::string referenceURL; ///< accepted, and used by no stage
@@ -79,14 +79,18 @@ public:
     [[nodiscard]] double progress() const { return m_progress; } ///< 0 to 1, in fixed points
     [[nodiscard]] const std::vector<PipelineLog>& logs() const { return m_logs; }
     [[nodiscard]] const std::optional<MiningResults>& results() const { return m_results; } ///< set once complete
+    /// Why the last run failed, for the user.
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; }
     /// Export folder of the last finished run.
     [[nodiscard]] const std::optional<std::string>& lastExportDir() const { return m_lastExportDir; }
+    /// Absolute paths of the media of the last run.
     [[nodiscard]] const std::optional<std::vector<std::string>>& lastMediaPaths() const { return m_lastMediaPaths; }
     /// Outcome of the timeline build, beginning with ✓ or ✗.
     [[nodiscard]] const std::optional<std::string>& buildResult() const { return m_buildResult; }
+    /// Outcome of the last audit; an audit that fails leaves none.
     [[nodiscard]] const std::optional<AuditReport>& auditReport() const { return m_auditReport; }
     [[nodiscard]] const ProbeResults& probeResults() const { return m_probeResults; } ///< by file name
+    /// Of the last run that came to a story.
     [[nodiscard]] const std::optional<TranscriptResult>& lastTranscript() const { return m_lastTranscript; }
 
     /// The world that it works in, for the pages that read and write beside it.
@@ -133,19 +137,25 @@ public:
 
     /// Folder of the transcript cache of these media, whatever their order, for this start of the program.
     [[nodiscard]] std::string cacheDir(std::vector<std::string> mediaPaths) const;
+    /// The transcript in `cacheDir`, else one that an earlier tool has left; nothing without either.
     [[nodiscard]] std::optional<TranscriptResult> loadCachedTranscript(const std::vector<std::string>& mediaPaths);
+    /// The lines of an earlier tool's chunk files for these media, by time. Their times stand as they are.
     [[nodiscard]] std::optional<TranscriptResult> loadLegacyBrindlecotCache(const std::vector<std::string>& mediaPaths);
+    /// Failures of this and of `saveProject` are silent: a mine ends well without its stores.
     void saveTranscriptCache(const TranscriptResult& transcript, const std::vector<std::string>& mediaPaths);
 
     /// Folder that holds a folder per project.
     [[nodiscard]] std::string projectsDir() const;
+    /// Writes project.json with `results` as they stand. A name that would lead out of `projectsDir` writes nothing.
     void saveProject(const std::string& timeline, const TranscriptResult& transcript,
                      const std::vector<std::string>& mediaPaths, const std::optional<std::string>& presetId,
                      double targetMinutes);
+    /// The transcript that the project keeps, its language on every line.
     [[nodiscard]] static TranscriptResult loadProject(const SavedProject& project);
     [[nodiscard]] std::vector<SavedProject> listProjects() const; ///< newest first
     /// Removes the project's folder with all in it; never `projectsDir` itself or anything outside it.
     void deleteProject(const SavedProject& project);
+    /// One above the highest version in that folder, or 1.
     [[nodiscard]] std::int64_t nextMineVersion(const std::string& folder) const;
     [[nodiscard]] std::vector<MineVersion> listMineVersions() const; ///< of `lastExportDir`, ascending
     /// Removes all caches but the paid-for transcripts and the chunks, and resets.
@@ -153,7 +163,9 @@ public:
 
     // Stages. Public for the pages that use them alone and for the tests; a run calls them in their order.
 
+    /// Asks ffprobe about each file: `probeResults`, and probe_results.json if any could be probed.
     QCoro::Task<> probeAllMedia(std::vector<std::string> paths);
+    /// Nothing if ffprobe gives no JSON for the file.
     QCoro::Task<std::optional<ProbeResult>> probeMediaFile(std::string path);
 
     /// Media behind a timeline of the open Resolve project, sorted by path; nothing if it cannot be found.
@@ -166,18 +178,26 @@ public:
     /// true; never empty.
     QCoro::Task<std::vector<std::string>> chunkAudio(std::string path);
 
+    /// The chunks' lines in mine time. A chunk that fails leaves a hole; nothing if no line is left.
     QCoro::Task<std::optional<TranscriptResult>> transcribe(std::vector<std::string> chunks, std::string language);
+    /// The service's answer to one file, its times from the file's start; nothing, with a line, if that fails.
     QCoro::Task<std::optional<WhisperResponse>> transcribeChunk(std::string path, std::string language);
 
+    /// The words of each moment, from the moment's start. A moment that fails is left out.
     QCoro::Task<std::vector<WordSegment>>
     wordLevelTranscribe(MiningResults analysis, std::vector<std::string> mediaPaths, std::string language);
+    /// The words of one file, from the file's start; nothing if the service does not answer with words.
     QCoro::Task<std::optional<std::vector<WhisperWord>>> transcribeWithWords(std::string path, std::string language);
+    /// Writes word_timestamps.json; without any segment the file of an earlier mine stays.
     void cacheWordTimestamps(const std::vector<WordSegment>& segments);
 
     /// ffmpeg filter that keeps the clearly louder of two channels, or "".
     QCoro::Task<std::string> detectPrimaryChannel(std::string wavPath);
+    /// The file's samples at `levelSampleRate`, through that filter; empty if it cannot be decoded.
     QCoro::Task<Samples> extractPCM(std::string wavPath, std::string channelFilter);
 
+    /// The story that the model chose, less what the sound speaks against; nothing if there is no usable reply. With
+    /// `language` "auto" the model is told the transcript's.
     QCoro::Task<std::optional<MiningResults>> analyzeStory(TranscriptResult transcript, double targetMinutes,
                                                            std::string language, std::string stylePrompt);
 
@@ -186,7 +206,9 @@ public:
     /// Asks the model what a cut has missed. What it uses is in the prompt; the report's own figures are the model's.
     QCoro::Task<std::optional<AuditReport>> analyzeAudit(std::string prompt, std::vector<UsedSegment> usedRanges);
 
+    /// The story with its moments' sources by name; as it was if the sources' lengths are not known.
     QCoro::Task<MiningResults> assignSourceClips(MiningResults analysis, std::vector<std::string> mediaPaths);
+    /// Writes segments.json, the hand-off to a timeline build, and logs it.
     void writeSegmentsJson(const MiningResults& analysis);
     /// For the review: writes the edited order back before a build. Logs nothing.
     void writeSegmentsJsonPublic(const std::vector<StorySegment>& segments);

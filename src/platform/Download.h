@@ -11,6 +11,7 @@ namespace zuvo {
 /// nobody on the way may put another thing in its place.
 [[nodiscard]] bool isDownloadAddress(const std::string& url);
 
+/// What has become of a download.
 struct DownloadOutcome {
     std::string failure; ///< why there is no file; empty if there is one
 
@@ -31,10 +32,11 @@ public:
     virtual QCoro::Task<DownloadOutcome> fetch(std::string url, std::string path) = 0;
 };
 
+/// What a download is broken off at.
 struct DownloadLimits {
     std::int64_t bytes = 512LL * 1024 * 1024;  ///< a longer answer is a failure
     std::chrono::milliseconds silence{60'000}; ///< the longest time without a byte
-    int redirects = 16;
+    int redirects = 16;                        ///< more of them in a row are a failure
 };
 
 /// The platform's network access. The request has no headers of ours and carries no cookie. Redirects are followed,

@@ -10,6 +10,7 @@ namespace zuvo {
 
 // Files and folders by UTF-8 path. Nothing here throws; failures come back as nothing or false.
 
+/// True for a file, a folder, or a link to either; false for a link to nothing, or if it cannot be found out.
 [[nodiscard]] bool fileExists(const std::string& path);
 
 /// Makes the folder with all folders above it. True if it is there afterwards.

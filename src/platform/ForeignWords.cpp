@@ -6,24 +6,15 @@
 
 namespace zuvo {
 
-namespace {
-
-std::string withoutControlCharacters(QString text) {
-    for (auto& character : text) {
-        if (character.category() == QChar::Other_Control)
-            character = QChar::ReplacementCharacter;
-    }
-    return text.toStdString();
-}
-
-} // namespace
-
 std::string harmlessText(const std::string& text) {
-    return withoutControlCharacters(QString::fromStdString(text));
+    // By way of Qt, which makes U+FFFD of each byte that is no UTF-8.
+    const auto valid = QString::fromStdString(text).toStdString();
+    return replaceAll(withoutControlCharacters(valid), "\n", "\uFFFD");
 }
 
 std::string oneLine(const std::string& text) {
-    return firstCharacters(withoutControlCharacters(QString::fromStdString(text).simplified()), foreignWordsLimit);
+    const auto simplified = QString::fromStdString(text).simplified().toStdString();
+    return firstCharacters(withoutControlCharacters(simplified), foreignWordsLimit);
 }
 
 } // namespace zuvo

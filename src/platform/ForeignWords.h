@@ -6,13 +6,15 @@ namespace zuvo {
 
 // Words of other programs and names from archives, before a user sees them.
 
-/// The text with each control character (line ends included) and each byte that is no UTF-8 as U+FFFD.
+/// The text with each control character and each byte that is no UTF-8 as U+FFFD: the line ends too, which
+/// `withoutControlCharacters` leaves.
 [[nodiscard]] std::string harmlessText(const std::string& text);
 
 /// One line of at most `foreignWordsLimit` characters: white space at both ends dropped, within the text as one blank,
 /// the rest as `harmlessText` makes it.
 [[nodiscard]] std::string oneLine(const std::string& text);
 
+/// User-perceived characters of what another program says that a user is shown.
 inline constexpr int foreignWordsLimit = 500;
 
 } // namespace zuvo

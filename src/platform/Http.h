@@ -13,9 +13,9 @@ namespace zuvo {
 
 /// One request to a service.
 struct HttpRequest {
-    std::string url;
+    std::string url; ///< absolute, judged by whoever made it
     std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;
+    std::string body; ///< any bytes; may be empty
 
     /// The request fails once nothing has come or gone for that long. The head of the answer counts as one piece.
     std::chrono::milliseconds timeout{0};
@@ -28,8 +28,8 @@ inline constexpr qint64 httpAnswerLimit = 64LL * 1024 * 1024;
 
 /// Either an HTTP answer of any status, or a failure in words.
 struct HttpAnswer {
-    int status = 0;
-    std::string body;
+    int status = 0;      ///< 0 if there is no answer
+    std::string body;    ///< any bytes
     std::string failure; ///< why there is no answer; never empty if there is none
 
     [[nodiscard]] bool hasFailed() const { return !failure.empty(); }

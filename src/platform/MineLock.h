@@ -10,6 +10,7 @@ namespace zuvo {
 /// overwrite for each other. Let go at destruction, and by the system when the program dies, however it dies.
 class MineLock {
 public:
+    /// Takes the lock if no other program of this home folder has it; never waits.
     explicit MineLock(const Environment& environment);
     ~MineLock();
     MineLock(const MineLock&) = delete;

@@ -25,6 +25,7 @@ struct Platform {
     std::shared_ptr<ProcessRunner> processes;
     std::shared_ptr<HttpClient> http;
 
+    /// The machine's own clock, tools, network and randomness.
     [[nodiscard]] static Platform ofThisMachine();
 };
 

@@ -40,12 +40,13 @@ inline constexpr const char* scriptWorkingFolder = "/";
 /// More than this is not kept of one stream; the child runs on all the same.
 inline constexpr std::size_t keptOutputLimit = 64UL * 1024 * 1024;
 
+/// What has become of a child process.
 struct ProcessOutcome {
     bool launched = false;
-    std::string launchFailure; ///< the platform's words, if it was not launched
-    bool succeeded = false;    ///< it ended by itself with exit status 0
-    std::string standardOutput;
-    std::string standardError;
+    std::string launchFailure;                    ///< the platform's words, if it was not launched
+    bool succeeded = false;                       ///< it ended by itself with exit status 0
+    std::string standardOutput;                   ///< any bytes; empty unless it was to be kept
+    std::string standardError;                    ///< likewise
     std::optional<int> exitStatus = std::nullopt; ///< nothing if it was not launched or did not end by itself
 };
 

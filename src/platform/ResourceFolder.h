@@ -11,6 +11,7 @@ struct BuildTree {
     std::string resources; ///< the resources in the sources
 };
 
+/// The one that this code was compiled in.
 [[nodiscard]] BuildTree ownBuildTree();
 
 /// Folder of what ships with the program (the plugin, for one), for a program in `applicationFolder`: in its build

@@ -35,6 +35,7 @@ struct AccountAddresses {
     [[nodiscard]] bool isRefused() const { return !refusal.empty(); }
 };
 
+/// Those that this environment asks for.
 [[nodiscard]] AccountAddresses accountAddresses(const Environment& environment);
 
 /// Why a base address may not be used, or an empty text. `variable` is named in the refusal.

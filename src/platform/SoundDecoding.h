@@ -23,6 +23,7 @@ struct SoundFormat {
 class SoundDecoding final : public QObject {
     Q_OBJECT
 public:
+    /// `ffmpeg` is the program's absolute path.
     explicit SoundDecoding(std::string ffmpeg, QObject* parent = nullptr);
     ~SoundDecoding() override;
 
@@ -38,6 +39,7 @@ public:
     static constexpr qsizetype ahead = 128L * 1024;
 
 Q_SIGNALS:
+    /// There is more to `take`.
     void arrived();
     /// The file gave no sound, or ffmpeg cannot be started. A place behind the file's end is no failure: nothing
     /// arrives.

@@ -67,31 +67,25 @@ void PluginManager::detectInstallation() {
 }
 
 QCoro::Task<> PluginManager::install() {
-    if (m_isLoading)
-        co_return;
-    const QPointer<PluginManager> self(this);
-    begin("Installing plugin...");
-    auto failure = co_await failureOf(performInstall());
-    if (self.isNull())
-        co_return;
-    if (failure)
-        fail(std::move(*failure));
-    else
-        succeed("Plugin installed successfully!");
+    return carryOut("Installing plugin...", &PluginManager::performInstall, "Plugin installed successfully!");
 }
 
 QCoro::Task<> PluginManager::uninstall() {
+    return carryOut("Uninstalling plugin...", &PluginManager::performUninstall, "Plugin uninstalled.");
+}
+
+QCoro::Task<> PluginManager::carryOut(const char* startStatus, Operation operation, const char* endStatus) {
     if (m_isLoading)
         co_return;
     const QPointer<PluginManager> self(this);
-    begin("Uninstalling plugin...");
-    auto failure = co_await failureOf(performUninstall());
+    begin(startStatus);
+    auto failure = co_await failureOf((this->*operation)());
     if (self.isNull())
         co_return;
     if (failure)
         fail(std::move(*failure));
     else
-        succeed("Plugin uninstalled.");
+        succeed(endStatus);
 }
 
 QCoro::Task<> PluginManager::reinstall() {

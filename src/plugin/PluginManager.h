@@ -33,12 +33,16 @@ public:
     [[nodiscard]] const std::optional<std::string>& installedVersion() const { return m_installedVersion; }
 
     [[nodiscard]] bool isLoading() const { return m_isLoading; } ///< an operation runs
+    /// What is being done, or was done last.
     [[nodiscard]] const std::optional<std::string>& statusMessage() const { return m_statusMessage; }
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; } ///< last failure
 
+    /// Looks again what lies at `pluginPath`.
     void detectInstallation();
 
+    /// Copies the plugin that ships to `pluginPath`, or a minimal one where the program has only its folder.
     QCoro::Task<> install();
+    /// Removes what lies at `pluginPath`.
     QCoro::Task<> uninstall();
 
     /// Installs only if nothing stood in the way of the removal.
@@ -52,12 +56,15 @@ Q_SIGNALS:
     void errorMessageChanged();
 
 private:
-    // These throw PluginError through the task.
+    // The operations throw PluginError through the task.
+    using Operation = QCoro::Task<> (PluginManager::*)() const;
     [[nodiscard]] QCoro::Task<> performInstall() const;
     [[nodiscard]] QCoro::Task<> createMinimalPlugin() const;
     [[nodiscard]] QCoro::Task<> performUninstall() const;
     [[nodiscard]] QCoro::Task<> copyWithAdminPrivileges(const std::string& from, const std::string& to) const;
 
+    /// Runs the operation, unless one runs, and tells its beginning and end.
+    QCoro::Task<> carryOut(const char* startStatus, Operation operation, const char* endStatus);
     void begin(const char* status);
     void succeed(const char* status);
     void fail(std::string description);

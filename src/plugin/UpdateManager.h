@@ -53,6 +53,7 @@ public:
     [[nodiscard]] const std::optional<std::string>& statusMessage() const { return m_statusMessage; }
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; } ///< last failure
 
+    /// Asks the service for its newest version.
     QCoro::Task<> checkForUpdates();
 
     /// Installs what the last check found. A `PluginManager` hears nothing of it.

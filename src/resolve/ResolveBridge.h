@@ -53,6 +53,7 @@ public:
 
     /// Whether the last `connect` reached Resolve and found a project.
     [[nodiscard]] bool isConnected() const { return m_isConnected; }
+    /// The open project's; nothing without a connection.
     [[nodiscard]] const std::optional<std::string>& projectName() const { return m_projectName; }
     [[nodiscard]] const std::vector<std::string>& timelines() const { return m_timelines; } ///< in Resolve's order
     /// The user's choice among `timelines`; nothing here sets it by itself.

@@ -33,6 +33,7 @@ struct SourceFile {
     double duration = 0.0; ///< seconds
 };
 
+/// Mono samples at `levelSampleRate`.
 using Samples = std::vector<std::int16_t>;
 
 /// Mono samples at `levelSampleRate` by file name. A source that could not be found has no entry.

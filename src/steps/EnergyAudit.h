@@ -16,6 +16,7 @@ struct AuditLine {
     std::string color; ///< one of `LogColor`
 };
 
+/// What is left of a story, and what is to be said of it.
 struct AuditedStory {
     MiningResults results; ///< segments that passed, renumbered from 0; everything else as the reply gave it
     std::vector<AuditLine> lines;

@@ -11,6 +11,7 @@ namespace zuvo {
 
 // Where quiet, medium and loud part in this very recording, and the transcript that tells the model of it.
 
+/// Levels in dB relative to full scale, and how many lines lie in each class.
 struct EnergyThresholds {
     double quietThreshold = silenceDb; ///< below it a line is quiet
     double loudThreshold = silenceDb;  ///< at or above it a line is loud; between the two it is medium

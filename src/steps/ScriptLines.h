@@ -17,6 +17,7 @@ namespace zuvo {
 // Each kind of caller reads the lines in its own way; the differences are meant. Wherever a prefix is removed, every
 // occurrence of it in the line goes.
 
+/// By the prefix of the line.
 enum class ScriptLineKind { log, error, success, other };
 
 /// One printed line, without white space at its ends.

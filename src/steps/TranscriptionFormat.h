@@ -12,6 +12,7 @@ namespace zuvo {
 
 // The request and answers of the transcription service.
 
+/// What the service is to time: lines, or words.
 enum class TimestampGranularity { segment, word };
 
 /// What stands around the bytes of the audio file in the multipart body, so that the file is held once.

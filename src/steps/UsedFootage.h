@@ -42,6 +42,7 @@ struct Coverage {
     double percent = 0.0;
 };
 
+/// Of the whole transcript, whose last line's end is the length of the footage.
 [[nodiscard]] Coverage coverageOf(const std::vector<UsedSegment>& used, const std::vector<TranscriptSegment>& lines);
 
 /// One line "[USED] [0.0s → 5.2s] {text}" or "[UNUSED] ..." for each transcript line, each with its line end. A line is

@@ -6,6 +6,8 @@
 #include "endtoend/Footage.h"
 #include "endtoend/World.h"
 #include "fakes/CoroutineTest.h"
+#include "fakes/KeptDesktop.h"
+#include "fakes/SignInPage.h"
 #include "fakes/TemporaryFolder.h"
 #include "platform/Platform.h"
 #include "platform/ServiceAddresses.h"
@@ -20,40 +22,12 @@
 using namespace zuvo;
 using namespace zuvo::standin;
 using testing::ElementsAre;
+using testing::SizeIs;
 using testing::StartsWith;
 using tests::runToEnd;
 using tests::waitUntil;
 
 namespace {
-
-/// A browser that goes where it is sent and presses the page's one button.
-class Browser final : public DesktopOpener {
-public:
-    bool openUrl(const std::string& url) override {
-        opened = url;
-        return true;
-    }
-    bool openFile(const std::string& /*path*/) override { return false; }
-    bool reveal(const std::string& /*path*/) override { return false; }
-
-    /// The link behind the button of the page that was opened.
-    [[nodiscard]] std::string pressButton() const {
-        NetworkHttpClient client;
-        HttpRequest request;
-        request.url = opened;
-        request.method = "GET";
-        request.timeout = std::chrono::seconds(15);
-        const auto page = runToEnd(client.send(request));
-        const std::string start = "href=\"";
-        const auto from = page.body.find(start);
-        if (from == std::string::npos)
-            return {};
-        const auto link = page.body.substr(from + start.size());
-        return link.substr(0, link.find('"'));
-    }
-
-    std::string opened;
-};
 
 QCoro::Task<void> noPause(std::chrono::milliseconds /*duration*/) {
     co_return;
@@ -72,7 +46,7 @@ protected:
     }
 
     /// The application is started, or started again.
-    void start() { manager = std::make_unique<AuthManager>(client(), browser, platform.environment.tokenFile()); }
+    void start() { manager = std::make_unique<AuthManager>(client(), desktop, platform.environment.tokenFile()); }
 
     [[nodiscard]] APIClient client() const { return {platform.http, accountAddresses(platform.environment)}; }
 
@@ -87,7 +61,7 @@ protected:
     tests::TemporaryFolder folder;
     StandIn service;
     Platform platform = Platform::ofThisMachine();
-    std::shared_ptr<Browser> browser = std::make_shared<Browser>();
+    std::shared_ptr<tests::KeptDesktop> desktop = std::make_shared<tests::KeptDesktop>();
     std::unique_ptr<AuthManager> manager;
 };
 
@@ -95,7 +69,8 @@ protected:
 
 TEST_F(AccountTest, theLinkOfTheSignInPageSignsInAndOutlivesTheProgram) {
     manager->signIn();
-    const auto link = browser->pressButton();
+    ASSERT_THAT(desktop->urls, SizeIs(1));
+    const auto link = tests::linkOfSignInPage(desktop->urls.front());
     ASSERT_THAT(link, StartsWith("zuvo-manager://callback?token=zuvo_"));
     const auto token = link.substr(std::string("zuvo-manager://callback?token=").size());
 

@@ -8,16 +8,8 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class BrokenStreamsTest : public MineTest {
+class BrokenStreamsTest : public TalkTest {
 protected:
-    std::string file;
-
-    void SetUp() override {
-        file = givenFootage("talk.wav");
-        givenTranscript();
-        givenStory();
-    }
-
     void thenTheMineIsKept() const {
         EXPECT_EQ(jsonOf(world.exports("talk", "project.json")).at("transcript").size(), 3U);
         EXPECT_EQ(jsonOf(world.cache("segments.json")).size(), 1U);

@@ -17,16 +17,8 @@ using testing::SizeIs;
 
 constexpr std::size_t tenths = 10;
 
-class DamagedFilesTest : public MineTest {
+class DamagedFilesTest : public TalkTest {
 protected:
-    std::string file;
-
-    void SetUp() override {
-        file = givenFootage("talk.wav");
-        givenTranscript();
-        givenStory();
-    }
-
     void givenAnEarlierMine() {
         mine({file});
         thenItEndsWith(0);

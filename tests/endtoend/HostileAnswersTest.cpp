@@ -36,16 +36,8 @@ std::string transcriptOf(const std::string& segments) {
     return R"({"text": "", "language": "english", "words": [], "segments": )" + segments + "}";
 }
 
-class HostileAnswersTest : public MineTest {
+class HostileAnswersTest : public TalkTest {
 protected:
-    std::string file;
-
-    void SetUp() override {
-        file = givenFootage("talk.wav");
-        givenTranscript();
-        givenStory();
-    }
-
     void givenTranscription(const std::string& body, Occasion occasion = {}) {
         world.services.fail(Service::transcription, Failure::body(body), occasion);
     }

@@ -66,4 +66,16 @@ protected:
     }
 };
 
+/// The footage "talk.wav" and services that answer a whole mine of it.
+class TalkTest : public MineTest {
+protected:
+    void SetUp() override {
+        file = givenFootage("talk.wav");
+        givenTranscript();
+        givenStory();
+    }
+
+    std::string file; ///< its path
+};
+
 } // namespace zuvo::endtoend

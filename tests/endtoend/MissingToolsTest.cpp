@@ -10,16 +10,9 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
-class MissingToolsTest : public MineTest {
+class MissingToolsTest : public TalkTest {
 protected:
     InProcess inProcess{world};
-    std::string file;
-
-    void SetUp() override {
-        file = givenFootage("talk.wav");
-        givenTranscript();
-        givenStory();
-    }
 };
 
 TEST_F(MissingToolsTest, withoutFfmpegNoAudioIsExtractedAndNothingPaidFor) {

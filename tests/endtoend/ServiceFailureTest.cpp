@@ -15,16 +15,8 @@ using testing::SizeIs;
 using testing::StartsWith;
 using namespace std::chrono_literals;
 
-class ServiceFailureTest : public MineTest {
+class ServiceFailureTest : public TalkTest {
 protected:
-    std::string file;
-
-    void SetUp() override {
-        file = givenFootage("talk.wav");
-        givenTranscript();
-        givenStory();
-    }
-
     void givenTranscriptionFails(const Failure& failure, Occasion occasion = {}) {
         world.services.fail(Service::transcription, failure, occasion);
     }

@@ -6,6 +6,7 @@
 #include "endtoend/InProcess.h"
 #include "endtoend/Secrets.h"
 #include "fakes/CoroutineTest.h"
+#include "fakes/KeptDesktop.h"
 #include "fakes/RawServer.h"
 #include "fakes/RecordingAdministratorShell.h"
 #include "platform/ServiceAddresses.h"
@@ -41,19 +42,6 @@ QCoro::Task<void> noPause(std::chrono::milliseconds /*duration*/) {
     co_return;
 }
 
-/// Opens nothing.
-class KeptAddress final : public DesktopOpener {
-public:
-    bool openUrl(const std::string& url) override {
-        opened += url + "\n";
-        return true;
-    }
-    bool openFile(const std::string& /*path*/) override { return false; }
-    bool reveal(const std::string& /*path*/) override { return false; }
-
-    std::string opened;
-};
-
 class TokenLeakTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -79,7 +67,8 @@ protected:
         said += testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr() + qtMessages();
         qInstallMessageHandler(m_formerHandler);
         EXPECT_FALSE(holdsSecret(said)) << said;
-        EXPECT_FALSE(holdsSecret(desktop->opened)) << desktop->opened;
+        for (const auto& url : desktop->urls)
+            EXPECT_FALSE(holdsSecret(url)) << url;
         for (const auto& call : processes->calls)
             EXPECT_FALSE(holdsSecret(call.tool + "\n" + joined(call.arguments)));
         EXPECT_FALSE(holdsSecret(joined(shell->sources))) << "told to the administrator's shell";
@@ -161,7 +150,7 @@ protected:
     tests::RawServer elsewhere;
     std::string address;
     Environment environment;
-    std::shared_ptr<KeptAddress> desktop = std::make_shared<KeptAddress>();
+    std::shared_ptr<tests::KeptDesktop> desktop = std::make_shared<tests::KeptDesktop>();
     std::shared_ptr<RecordingProcessRunner> processes = std::make_shared<RecordingProcessRunner>();
     std::shared_ptr<tests::RecordingAdministratorShell> shell = std::make_shared<tests::RecordingAdministratorShell>();
     std::string said;
@@ -200,7 +189,7 @@ TEST_F(TokenLeakTest, ofASignInThatGoesWellAndIsForgotten) {
     EXPECT_EQ(asked.front().header("Authorization"), "Bearer " + markedToken);
     const auto account = manager();
     account->signIn();
-    EXPECT_THAT(desktop->opened, Not(IsEmpty()));
+    EXPECT_THAT(desktop->urls, Not(IsEmpty()));
     account->signOut();
     EXPECT_FALSE(exists(environment.tokenFile()));
     EXPECT_THAT(secretsBelow(disk.path()), IsEmpty());

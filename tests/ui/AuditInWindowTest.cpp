@@ -150,33 +150,27 @@ TEST_F(AuditInWindow, fromTheSetupToItsPageByTheMouseAlone) {
 
 TEST_F(AuditInWindow, fromTheSetupToItsPageByTheKeyboardAlone) {
     launch();
-    tabTo(QStringLiteral("resolveTab"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("resolveTab"));
     ASSERT_TRUE(driver->waitFor(QStringLiteral("timelinePicker")));
     tabTo(QStringLiteral("timelinePicker"));
     driver->press(Qt::Key_Down);
     EXPECT_EQ(flow().selectedTimeline(), "Cut");
     ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::style);
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::review);
 
-    tabTo(QStringLiteral("step0"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("step0"));
     thenStepIs(MineStep::setup);
     tabTo(QStringLiteral("mode0"));
     driver->press(Qt::Key_Left);
     EXPECT_EQ(flow().selectedMode(), MiningMode::audit);
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::review);
     thenThePageTellsOfTheCut();
 
-    tabTo(QStringLiteral("goldCard2"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("goldCard2"));
     waitUntilOpen(QStringLiteral("goldCard2"));
     tabTo(QStringLiteral("goldCard2Select"));
     driver->press(Qt::Key_Space);

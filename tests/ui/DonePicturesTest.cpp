@@ -1,7 +1,6 @@
 #include "fakes/CoroutineTest.h"
 #include "ui/LastPagesWindow.h"
-
-#include <QDir>
+#include "ui/TakePicture.h"
 
 // Pictures of the last two pages, the whole of each in one tall window, for a person to look at: written to the folder
 // that the variable ZUVO_PICTURES names, and thrown away without it.
@@ -13,16 +12,7 @@ namespace {
 
 class LastPagesPictures : public LastPagesWindow {
 protected:
-    void take(const QString& name) {
-        const auto image = driver->picture();
-        ASSERT_FALSE(image.isNull());
-        EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
-        const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
-        if (folder.isEmpty())
-            return;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-    }
+    void take(const QString& name) { takePicture(*driver, name); }
     /// The page's top in the sizes that a window has, and in the smallest one its end.
     void takeAtUsualSizes(const QString& name) {
         driver->resize(2560, 1440);

@@ -109,19 +109,12 @@ TEST_F(ExportsInWindow, fromTheDropToEveryExportByTheMouseAlone) {
 }
 
 TEST_F(ExportsInWindow, fromTheDialogToEveryExportByTheKeyboardAlone) {
-    launch();
-    givenDialogGives({sample(1), sample(2)});
-    tabTo(QStringLiteral("browseButton"));
-    driver->press(Qt::Key_Return);
-    ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    launchAndChooseTheSampleByKeyboard();
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::style);
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::review);
-    tabTo(QStringLiteral("skipButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("skipButton"));
     thenStepIs(MineStep::done);
     for (std::size_t place = 0; place < exportControls.size(); ++place) {
         tabTo(exportControls.at(place));

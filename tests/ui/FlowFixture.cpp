@@ -174,6 +174,18 @@ void FlowFixture::tabTo(const QString& name) {
     FAIL() << "The keyboard does not reach " << name.toStdString();
 }
 
+void FlowFixture::pressByKeyboard(const QString& name) {
+    tabTo(name);
+    driver->press(Qt::Key_Return);
+}
+
+void FlowFixture::launchAndChooseTheSampleByKeyboard() {
+    launch();
+    givenDialogGives({sample(1), sample(2)});
+    pressByKeyboard(QStringLiteral("browseButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
+}
+
 void FlowFixture::thenStepIs(MineStep step) {
     EXPECT_TRUE(waitUntil([this, step] { return flow().currentStep() == step; }))
         << "The flow stands at step " << flow().currentStepNumber();

@@ -80,6 +80,10 @@ protected:
     void scrollTo(const QString& name);
     /// Presses Tab until that control has the keyboard.
     void tabTo(const QString& name);
+    /// The same, and then Return.
+    void pressByKeyboard(const QString& name);
+    /// The program starts, and the file dialog is asked for and gives both files of the sample.
+    void launchAndChooseTheSampleByKeyboard();
 
     /// Waits until the page of that step has come in.
     void thenStepIs(MineStep step);

@@ -1,6 +1,6 @@
 #include "ui/FlowFixture.h"
+#include "ui/TakePicture.h"
 
-#include <QDir>
 #include <QTest>
 #include <filesystem>
 
@@ -13,16 +13,7 @@ namespace {
 
 class FlowPictures : public FlowFixture {
 protected:
-    void take(const QString& name) {
-        const auto image = driver->picture();
-        EXPECT_GT(image.width(), 0);
-        EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
-        const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
-        if (folder.isEmpty())
-            return;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-    }
+    void take(const QString& name) { takePicture(*driver, name); }
 
     void takeInEverySize(const QString& name) {
         take(name);

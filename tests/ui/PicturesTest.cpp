@@ -1,31 +1,18 @@
 #include "fakes/CoroutineTest.h"
 #include "ui/PluginPageFixture.h"
 #include "ui/ShellFixture.h"
+#include "ui/TakePicture.h"
 #include "ui/UpdateViewModel.h"
 
-#include <QDir>
 #include <gmock/gmock.h>
 
-// A picture of every state of the pages, for a person to look at: they are written to the folder that the variable
-// ZUVO_PICTURES names, and thrown away without it. What the tests themselves check is that each state comes about and
-// that the picture shows something.
+// A picture of every state of the pages, for a person to look at. What the tests themselves check is that each state
+// comes about and that the picture shows something.
 
 using namespace zuvo;
 using namespace zuvo::tests;
 
 namespace {
-
-/// What the window shows, under that name.
-void takePicture(WindowDriver& driver, const QString& name) {
-    const auto image = driver.picture();
-    EXPECT_GT(image.width(), 0);
-    EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
-    const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
-    if (folder.isEmpty())
-        return;
-    QDir().mkpath(folder);
-    EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-}
 
 /// In the usual size and in the smallest.
 void takeBothSizes(WindowDriver& driver, const QString& name) {

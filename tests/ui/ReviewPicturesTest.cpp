@@ -1,6 +1,5 @@
 #include "ui/ReviewFixture.h"
-
-#include <QDir>
+#include "ui/TakePicture.h"
 
 // Pictures of the review page: see PicturesTest.cpp.
 
@@ -11,16 +10,7 @@ namespace {
 
 class ReviewPictures : public ReviewFixture {
 protected:
-    void take(const QString& name) {
-        const auto image = driver->picture();
-        EXPECT_GT(image.width(), 0);
-        EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
-        const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
-        if (folder.isEmpty())
-            return;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-    }
+    void take(const QString& name) { takePicture(*driver, name); }
 };
 
 } // namespace

@@ -34,36 +34,24 @@ TEST_F(SampleMineInWindow, fromTheDropToTheReviewByTheMouseAlone) {
 }
 
 TEST_F(SampleMineInWindow, fromTheDialogToTheReviewByTheKeyboardAlone) {
-    launch();
-    givenDialogGives({sample(1), sample(2)});
-    tabTo(QStringLiteral("browseButton"));
-    driver->press(Qt::Key_Return);
-    ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
+    launchAndChooseTheSampleByKeyboard();
     tabTo(QStringLiteral("lengthSlider"));
     driver->press(Qt::Key_Left);
     EXPECT_EQ(flow().targetMinutes(), 4.0);
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::style);
     tabTo(QStringLiteral("magicModeCard"));
     driver->press(Qt::Key_Space);
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenTheSampleIsMined();
     EXPECT_TRUE(flow().isMagicMode());
 }
 
 TEST_F(SampleMineInWindow, theSamplesStoryIsCutByTheKeyboardAlone) {
-    launch();
-    givenDialogGives({sample(1), sample(2)});
-    tabTo(QStringLiteral("browseButton"));
-    driver->press(Qt::Key_Return);
-    ASSERT_TRUE(driver->waitFor(QStringLiteral("actionButton")));
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    launchAndChooseTheSampleByKeyboard();
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenStepIs(MineStep::style);
-    tabTo(QStringLiteral("actionButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("actionButton"));
     thenTheSampleIsMined();
     auto* page = driver->window().findChild<ReviewPageModel*>();
     ASSERT_NE(page, nullptr);
@@ -90,8 +78,7 @@ TEST_F(SampleMineInWindow, theSamplesStoryIsCutByTheKeyboardAlone) {
     driver->press(Qt::Key_Return);
     EXPECT_TRUE(page->hasPlayer());
     // And the story is sent.
-    tabTo(QStringLiteral("sendButton"));
-    driver->press(Qt::Key_Return);
+    pressByKeyboard(QStringLiteral("sendButton"));
     thenStepIs(MineStep::done);
     const auto& sent = pipeline().results()->segments;
     ASSERT_EQ(sent.size(), found.size() - 1);

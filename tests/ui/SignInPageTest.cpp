@@ -1,4 +1,4 @@
-#include "platform/Http.h"
+#include "fakes/SignInPage.h"
 #include "ui/ShellFixture.h"
 #include "ui/SignInViewModel.h"
 
@@ -38,18 +38,7 @@ protected:
     [[nodiscard]] std::string linkOfOpenedPage() const {
         if (world.desktop->urls.empty())
             return {};
-        NetworkHttpClient browser;
-        HttpRequest request;
-        request.url = world.desktop->urls.back();
-        request.method = "GET";
-        request.timeout = std::chrono::seconds(15);
-        const auto page = runToEnd(browser.send(request));
-        const std::string start = "href=\"";
-        const auto from = page.body.find(start);
-        if (from == std::string::npos)
-            return {};
-        const auto link = page.body.substr(from + start.size());
-        return link.substr(0, link.find('"'));
+        return linkOfSignInPage(world.desktop->urls.back());
     }
 };
 

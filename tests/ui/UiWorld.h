@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fakes/KeptDesktop.h"
 #include "fakes/RecordingAdministratorShell.h"
 #include "fakes/TemporaryFolder.h"
 #include "standin/StandIn.h"
@@ -13,27 +14,6 @@
 #include <vector>
 
 namespace zuvo::tests {
-
-/// Keeps what would have been opened.
-class KeptDesktop final : public DesktopOpener {
-public:
-    bool openUrl(const std::string& url) override {
-        urls.push_back(url);
-        return true;
-    }
-    bool openFile(const std::string& path) override {
-        files.push_back(path);
-        return true;
-    }
-    bool reveal(const std::string& path) override {
-        revealed.push_back(path);
-        return true;
-    }
-
-    std::vector<std::string> urls;
-    std::vector<std::string> files;
-    std::vector<std::string> revealed;
-};
 
 /// The whole application in a world of its own: a home folder, the stand-in for every service, a desktop that only
 /// remembers, an administrator's shell that asks nobody.

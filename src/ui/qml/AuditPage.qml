@@ -9,86 +9,6 @@ FocusScope {
     required property MineViewModel flow
     readonly property AuditPageModel model: AuditPageModel { flow: page.flow }
 
-    // The system's own colours in a dark window.
-    readonly property color systemGreen: "#30D158"
-    readonly property color systemOrange: "#FF9F0A"
-    readonly property color systemRed: "#FF453A"
-    readonly property color verdictColor: model.verdict === "excellent" ? systemGreen
-                                          : model.verdict === "good" ? systemOrange : systemRed
-
-    component Section: Column {
-        id: section
-        property alias title: titleLabel.text
-        property alias note: noteLabel.text
-        default property alias content: body.data
-        width: parent ? parent.width : 0
-        spacing: Theme.spacing12
-        Item {
-            width: section.width
-            height: titleLabel.implicitHeight
-            SectionLabel {
-                id: titleLabel
-                Accessible.role: Accessible.Heading
-                Accessible.name: text
-            }
-            Label {
-                id: noteLabel
-                anchors.right: parent.right
-                anchors.baseline: titleLabel.baseline
-                font: Theme.caption2()
-                color: Theme.textMuted
-            }
-        }
-        Column {
-            id: body
-            width: section.width
-            spacing: Theme.spacing8
-        }
-    }
-
-    component ScoreRow: Item {
-        id: score
-        property alias title: scoreTitle.text
-        property alias value: scoreLabel.text
-        property int valueSize: 18
-        width: parent ? parent.width : 0
-        height: 24
-        SectionLabel {
-            id: scoreTitle
-            anchors.verticalCenter: parent.verticalCenter
-        }
-        Label {
-            id: scoreLabel
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            font: Theme.textFont(score.valueSize, Font.DemiBold)
-            color: Theme.foreground
-            Accessible.name: scoreTitle.text + " " + text
-        }
-    }
-
-    component SmallPair: Column {
-        id: pair
-        property alias title: pairTitle.text
-        property alias titleColor: pairTitle.color
-        property alias detail: pairDetail.text
-        property int alignment: Text.AlignLeft
-        spacing: Theme.spacing2
-        Label {
-            id: pairTitle
-            width: parent.width
-            horizontalAlignment: pair.alignment
-            font: Theme.textFont(10, Font.DemiBold)
-        }
-        Label {
-            id: pairDetail
-            width: parent.width
-            horizontalAlignment: pair.alignment
-            font: Theme.textFont(9, Font.Normal)
-            color: Theme.textMuted
-        }
-    }
-
     PageGround {
         anchors.fill: parent
         depth: 0.2
@@ -137,75 +57,28 @@ FocusScope {
                 }
             }
 
-            SolidCard {
+            CoverageCard {
                 objectName: "coverageCard"
                 width: column.width
-                padding: Theme.spacing20
-                spacing: Theme.spacing12
-                ScoreRow {
-                    title: "COVERAGE"
-                    value: page.model.coverage
-                    valueSize: 18
-                }
-                ShareBar {
-                    objectName: "coverageBar"
-                    width: parent.width
-                    share: page.model.coverageShare
-                    label: "Coverage " + page.model.coverage
-                    startColor: Theme.stepGradient(0)[0]
-                    endColor: Theme.stepGradient(0)[1]
-                }
-                Row {
-                    width: parent.width
-                    SmallPair {
-                        width: parent.width / 2
-                        title: "Used"
-                        titleColor: Theme.accent
-                        detail: page.model.usedClips
-                    }
-                    SmallPair {
-                        objectName: "unusedPair"
-                        width: parent.width / 2
-                        alignment: Text.AlignRight
-                        title: "Unused"
-                        titleColor: Theme.textMuted
-                        detail: page.model.unused
-                    }
-                }
+                coverage: page.model.coverage
+                share: page.model.coverageShare
+                usedClips: page.model.usedClips
+                unused: page.model.unused
             }
 
-            SolidCard {
+            ConfidenceCard {
                 objectName: "confidenceCard"
                 width: column.width
-                padding: Theme.spacing20
-                spacing: Theme.spacing12
-                ScoreRow {
-                    title: "CONFIDENCE SCORE"
-                    value: page.model.confidence
-                    valueSize: 16
-                }
-                ShareBar {
-                    objectName: "confidenceBar"
-                    width: parent.width
-                    cornerRadius: 6
-                    share: page.model.confidenceShare
-                    label: "Confidence score " + page.model.confidence
-                    startColor: page.verdictColor
-                    endColor: Theme.faded(page.verdictColor, 0.7)
-                }
-                Label {
-                    objectName: "confidenceMessage"
-                    width: parent.width
-                    text: page.model.confidenceMessage
-                    wrapMode: Text.Wrap
-                    font: Theme.caption()
-                    color: Theme.textMuted
-                }
+                confidence: page.model.confidence
+                share: page.model.confidenceShare
+                verdict: page.model.verdict
+                message: page.model.confidenceMessage
             }
 
-            Section {
+            PageSection {
                 objectName: "buriedGoldSection"
                 width: column.width
+                contentSpacing: Theme.spacing8
                 visible: page.model.buriedGold.length > 0
                 title: "BURIED GOLD"
                 note: page.model.momentCount
@@ -229,147 +102,55 @@ FocusScope {
                 }
             }
 
-            Section {
+            PageSection {
                 objectName: "redundanciesSection"
                 width: column.width
+                contentSpacing: Theme.spacing8
                 visible: page.model.redundancies.length > 0
                 title: "REDUNDANCIES"
                 Repeater {
                     model: page.model.redundancies
-                    SolidCard {
-                        id: redundancy
+                    RedundancyCard {
                         required property var modelData
                         width: parent ? parent.width : 0
-                        padding: Theme.spacing16
-                        spacing: Theme.spacing12
-                        cornerRadius: Theme.radiusSm
-                        Row {
-                            width: parent.width
-                            spacing: Theme.spacing8
-                            Symbol {
-                                y: 1
-                                name: "exclamationmark.triangle.fill"
-                                size: 12
-                                color: Theme.warning
-                            }
-                            Label {
-                                width: parent.width - 22
-                                text: redundancy.modelData.topic
-                                textFormat: Text.PlainText
-                                wrapMode: Text.Wrap
-                                font: Theme.textFont(13, Font.Medium)
-                                color: Theme.foreground
-                            }
-                        }
-                        Row {
-                            spacing: Theme.spacing24
-                            TimeRange {
-                                title: "First instance"
-                                range: redundancy.modelData.first
-                            }
-                            Symbol {
-                                anchors.verticalCenter: parent.verticalCenter
-                                name: "arrow.right"
-                                size: 12
-                                color: Theme.textMuted
-                            }
-                            TimeRange {
-                                title: "Repeated at"
-                                range: redundancy.modelData.second
-                            }
-                        }
+                        topic: modelData.topic
+                        first: modelData.first
+                        second: modelData.second
                     }
                 }
             }
 
-            Section {
+            PageSection {
                 objectName: "alternatesSection"
                 width: column.width
+                contentSpacing: Theme.spacing8
                 visible: page.model.alternates.length > 0
                 title: "ALTERNATE TAKES"
                 Repeater {
                     model: page.model.alternates
-                    SolidCard {
-                        id: take
+                    AlternateTakeCard {
                         required property var modelData
                         width: parent ? parent.width : 0
-                        padding: Theme.spacing16
-                        spacing: Theme.spacing12
-                        cornerRadius: Theme.radiusSm
-                        Row {
-                            spacing: Theme.spacing24
-                            Symbol {
-                                anchors.verticalCenter: parent.verticalCenter
-                                name: "arrow.triangle.swap"
-                                size: 14
-                                color: Theme.gemSapphire
-                            }
-                            TimeRange {
-                                title: "Current"
-                                range: take.modelData.current
-                            }
-                            TimeRange {
-                                title: "Better"
-                                titleColor: Theme.success
-                                range: take.modelData.better
-                            }
-                        }
-                        Column {
-                            width: parent.width
-                            spacing: Theme.spacing4
-                            Label {
-                                width: parent.width
-                                text: take.modelData.text
-                                textFormat: Text.PlainText
-                                wrapMode: Text.Wrap
-                                font: Theme.caption()
-                                color: Theme.foreground
-                            }
-                            Label {
-                                width: parent.width
-                                text: take.modelData.reason
-                                textFormat: Text.PlainText
-                                wrapMode: Text.Wrap
-                                font: Theme.caption2()
-                                color: Theme.textMuted
-                            }
-                        }
+                        current: modelData.current
+                        better: modelData.better
+                        quote: modelData.text
+                        reason: modelData.reason
                     }
                 }
             }
 
-            Section {
+            PageSection {
                 objectName: "themeGapsSection"
                 width: column.width
+                contentSpacing: Theme.spacing8
                 visible: page.model.themeGaps.length > 0
                 title: "THEME GAPS"
                 Repeater {
                     model: page.model.themeGaps
-                    Rectangle {
-                        id: gap
+                    ThemeGapRow {
                         required property string modelData
                         width: parent ? parent.width : 0
-                        height: gapLabel.implicitHeight + Theme.spacing16
-                        radius: 6
-                        color: Theme.faded(Theme.muted, 0.3)
-                        Symbol {
-                            x: Theme.spacing12
-                            anchors.verticalCenter: parent.verticalCenter
-                            name: "circle.fill"
-                            size: 6
-                            color: Theme.accent
-                        }
-                        Label {
-                            id: gapLabel
-                            x: 28
-                            y: Theme.spacing8
-                            width: parent.width - x - Theme.spacing12
-                            text: gap.modelData
-                            textFormat: Text.PlainText
-                            wrapMode: Text.Wrap
-                            font: Theme.caption2()
-                            color: Theme.foreground
-                        }
+                        theme: modelData
                     }
                 }
             }

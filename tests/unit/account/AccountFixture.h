@@ -2,9 +2,9 @@
 
 #include "account/APIClient.h"
 #include "fakes/CoroutineTest.h"
+#include "fakes/KeptDesktop.h"
 #include "fakes/RawServer.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/DesktopOpener.h"
 #include "platform/ServiceAddresses.h"
 
 #include <QPointer>
@@ -24,25 +24,6 @@ inline constexpr std::chrono::milliseconds aWhile{200};
 inline const std::string adaAsJson =
     R"({"id":"u1","name":"Ada","email":"ada@example.com","credits":42,"plan":"Studio"})";
 inline const std::string bobAsJson = R"({"id":"u2","name":"Bob","email":"bob@example.com","credits":7,"plan":"Free"})";
-
-/// Keeps what would have been opened.
-class KeptOpener final : public DesktopOpener {
-public:
-    bool openUrl(const std::string& url) override {
-        urls.push_back(url);
-        return true;
-    }
-    bool openFile(const std::string& path) override {
-        ADD_FAILURE() << "nobody planned to open " << path;
-        return false;
-    }
-    bool reveal(const std::string& path) override {
-        ADD_FAILURE() << "nobody planned to show " << path;
-        return false;
-    }
-
-    std::vector<std::string> urls;
-};
 
 /// An answer that the test gives when it wants to.
 class HeldAnswer {
@@ -73,6 +54,11 @@ inline AccountAddresses addressesAt(const std::string& serviceUrl) {
 /// A home folder and an account service of the test's own.
 class AccountTest : public testing::Test {
 protected:
+    void TearDown() override {
+        EXPECT_THAT(desktop->files, testing::IsEmpty()) << "the account opens web addresses alone";
+        EXPECT_THAT(desktop->revealed, testing::IsEmpty());
+    }
+
     [[nodiscard]] APIClient client(std::chrono::milliseconds timeout = std::chrono::seconds(15)) const {
         return {http, addressesAt(server.url()), timeout};
     }
@@ -96,7 +82,7 @@ protected:
     HeldAnswer held;
     RawServer server;
     std::shared_ptr<NetworkHttpClient> http = std::make_shared<NetworkHttpClient>();
-    std::shared_ptr<KeptOpener> desktop = std::make_shared<KeptOpener>();
+    std::shared_ptr<KeptDesktop> desktop = std::make_shared<KeptDesktop>();
     std::string tokenFile = home / ".zuvo/token.json";
 };
 

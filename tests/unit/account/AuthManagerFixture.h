@@ -35,6 +35,18 @@ protected:
     void signIn(const std::string& token) { runToEnd(manager->signInWithToken(token)); }
     void refresh() { runToEnd(manager->refreshUser()); }
 
+    /// A refresh that is answered with `late` only when, after it was asked for, the token was signed in whose answer
+    /// is `user`.
+    void refreshAcrossASignIn(const std::string& token, const std::string& user, const std::string& late) {
+        server.then(held.hold());
+        server.then(answer(httpAnswer(200, user)));
+        RunningTask<void> refreshing(manager->refreshUser());
+        ASSERT_TRUE(waitForRequests(2));
+        signIn(token);
+        held.give(late);
+        refreshing.result();
+    }
+
     /// A manager that is signed in as Ada; what it took to get there is forgotten.
     void givenAda() {
         make();

@@ -66,38 +66,19 @@ TEST_F(AuthManagerTest, aRefreshThatFailsInAnyOtherWayChangesNothing) {
 
 TEST_F(AuthManagerTest, aLateAnswerForAReplacedTokenChangesNothing) {
     givenAda();
-    server.then(held.hold());
-    server.then(answer(httpAnswer(200, bobAsJson)));
-    RunningTask<void> refreshing(manager->refreshUser());
-    ASSERT_TRUE(waitForRequests(2));
-    signIn("zuvo_bob");
-    thenBobIsSignedIn();
-    held.give(httpAnswer(200, adaAsJson));
-    refreshing.result();
+    refreshAcrossASignIn("zuvo_bob", bobAsJson, httpAnswer(200, adaAsJson));
     thenBobIsSignedIn();
 }
 
 TEST_F(AuthManagerTest, aLate401ForAReplacedTokenDoesNotSignOut) {
     givenAda();
-    server.then(held.hold());
-    server.then(answer(httpAnswer(200, bobAsJson)));
-    RunningTask<void> refreshing(manager->refreshUser());
-    ASSERT_TRUE(waitForRequests(2));
-    signIn("zuvo_bob");
-    held.give(httpAnswer(401, "expired"));
-    refreshing.result();
+    refreshAcrossASignIn("zuvo_bob", bobAsJson, httpAnswer(401, "expired"));
     thenBobIsSignedIn();
 }
 
 TEST_F(AuthManagerTest, aLate401OfTheSameTokenSignedInAnewDoesNotSignOut) {
     givenAda();
-    server.then(held.hold());
-    server.then(answer(httpAnswer(200, adaAsJson)));
-    RunningTask<void> refreshing(manager->refreshUser());
-    ASSERT_TRUE(waitForRequests(2));
-    signIn("zuvo_ada");
-    held.give(httpAnswer(401, "expired"));
-    refreshing.result();
+    refreshAcrossASignIn("zuvo_ada", adaAsJson, httpAnswer(401, "expired"));
     thenAdaIsSignedIn();
 }
 

@@ -1,13 +1,12 @@
 #include "standin/StandIn.h"
 
+#include "unit/standin/ReplyEnd.h"
 #include "unit/standin/Truth.h"
 
-#include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTimer>
 
 using namespace zuvo;
 using namespace zuvo::standin;
@@ -18,8 +17,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-constexpr std::chrono::milliseconds patience = 30s; // a test that waits longer has failed
 
 struct Reply {
     int status = 0; ///< 0 if no status line came
@@ -41,14 +38,7 @@ protected:
         if (!authorization.isEmpty())
             request.setRawHeader("Authorization", authorization);
         QNetworkReply* reply = m_network.sendCustomRequest(request, verb, QByteArray::fromStdString(body));
-        QEventLoop loop;
-        QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-        QTimer::singleShot(patience, &loop, [&] {
-            ADD_FAILURE() << "no end of the request";
-            reply->abort();
-        });
-        if (!reply->isFinished())
-            loop.exec();
+        waitForEnd(*reply);
         Reply result{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll().toStdString(),
                      reply->rawHeader("Content-Type")};
         reply->deleteLater();

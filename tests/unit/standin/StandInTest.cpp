@@ -1,5 +1,6 @@
 #include "standin/StandIn.h"
 
+#include "unit/standin/ReplyEnd.h"
 #include "unit/standin/Truth.h"
 
 #include <QElapsedTimer>
@@ -16,8 +17,6 @@ using namespace std::chrono_literals;
 using nlohmann::json;
 
 namespace {
-
-constexpr std::chrono::milliseconds patience = 30s; // a test that waits longer has failed
 
 struct Reply {
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
@@ -38,14 +37,7 @@ protected:
     Reply send(const QByteArray& verb, QNetworkRequest request, const std::string& body) {
         request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
         QNetworkReply* reply = m_network.sendCustomRequest(request, verb, QByteArray::fromStdString(body));
-        QEventLoop loop;
-        QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-        QTimer::singleShot(patience, &loop, [&] {
-            ADD_FAILURE() << "no end of the request";
-            reply->abort();
-        });
-        if (!reply->isFinished())
-            loop.exec();
+        waitForEnd(*reply);
         Reply result{reply->error(), reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
                      reply->readAll().toStdString(), reply->rawHeader("Location"),
                      reply->rawHeader("WWW-Authenticate")};

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "KeptUrls.h"
 #include "account/AuthManager.h"
 #include "fakes/CoroutineTest.h"
+#include "fakes/KeptDesktop.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/pipeline/FakeTools.h"
 
@@ -51,7 +51,7 @@ protected:
     std::string tokenFile = disk / "home/.zuvo/token.json";
     std::shared_ptr<CallCounter> calls = std::make_shared<CallCounter>();
     std::shared_ptr<FakeHttpClient> services = std::make_shared<FakeHttpClient>(calls);
-    std::shared_ptr<KeptUrls> desktop = std::make_shared<KeptUrls>();
+    std::shared_ptr<KeptDesktop> desktop = std::make_shared<KeptDesktop>();
     std::shared_ptr<AuthManager> manager;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Fields.h"
+#include "fakes/KeptDesktop.h"
 #include "fakes/pipeline/PipelineFixture.h"
 #include "resolve/Scripts.h"
 #include "ui/MineViewModel.h"
@@ -10,28 +11,6 @@
 #include <vector>
 
 namespace zuvo::tests {
-
-/// Keeps what would have been opened and shown; it can be told to take nothing.
-class DesktopThatKeeps final : public DesktopOpener {
-public:
-    bool openUrl(const std::string& url) override {
-        urls.push_back(url);
-        return takesAll;
-    }
-    bool openFile(const std::string& path) override {
-        files.push_back(path);
-        return takesAll;
-    }
-    bool reveal(const std::string& path) override {
-        revealed.push_back(path);
-        return takesAll;
-    }
-
-    bool takesAll = true;
-    std::vector<std::string> urls;
-    std::vector<std::string> files;
-    std::vector<std::string> revealed;
-};
 
 /// A flow over a real pipeline in the pipeline fixture's world, for the pages that stand at its end.
 class LastPagesFixture : public PipelineFixture {
@@ -88,7 +67,7 @@ protected:
         ASSERT_TRUE(pipeline->auditReport()) << pipeline->errorMessage().value_or("");
     }
 
-    std::shared_ptr<DesktopThatKeeps> desktop = std::make_shared<DesktopThatKeeps>();
+    std::shared_ptr<KeptDesktop> desktop = std::make_shared<KeptDesktop>();
     std::unique_ptr<MineViewModel> flow;
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "KeptUrls.h"
 #include "account/AuthManager.h"
 #include "base/Fields.h"
+#include "fakes/KeptDesktop.h"
 #include "fakes/pipeline/PipelineFixture.h"
 #include "resolve/Scripts.h"
 #include "ui/MineViewModel.h"
@@ -110,7 +110,7 @@ protected:
     }
 
     std::string interpreter = disk.write("bin/python3", "");
-    std::shared_ptr<KeptUrls> desktop = std::make_shared<KeptUrls>();
+    std::shared_ptr<KeptDesktop> desktop = std::make_shared<KeptDesktop>();
     std::unique_ptr<MineViewModel> flow;
 };
 

@@ -74,6 +74,20 @@ protected:
             services->then(200, body.dump());
     }
 
+    enum class Leaving { cancelled, destroyed };
+
+    /// At the `number`-th call, counted from the first of the test, the user cancels the mine or the flow goes.
+    void leaveAt(std::size_t number, Leaving how) {
+        calls->inside = [this, number, how](std::size_t call) {
+            if (call != number)
+                return;
+            if (how == Leaving::destroyed)
+                flow.reset();
+            else
+                flow->cancelMining();
+        };
+    }
+
     [[nodiscard]] static std::size_t countOf(const std::vector<std::string>& events, const std::string& event) {
         return static_cast<std::size_t>(std::count(events.begin(), events.end(), event));
     }
@@ -335,10 +349,7 @@ TEST_P(MineAtEveryCall, aCancelledMineMovesTheFlowNoMore) {
     std::vector<int> steps;
     QObject::connect(flow.get(), &MineViewModel::currentStepChanged,
                      [this, &steps] { steps.push_back(flow->currentStepNumber()); });
-    calls->inside = [this](std::size_t call) {
-        if (call == GetParam())
-            flow->cancelMining();
-    };
+    leaveAt(GetParam(), Leaving::cancelled);
     givenStep(MineStep::style);
     flow->styleNext();
     ASSERT_TRUE(waitUntil([this] { return calls->count() == callsOfAMine; }));
@@ -397,10 +408,7 @@ TEST_P(TimelineMineAtEveryCall, aCancelledMineMovesTheFlowNoMore) {
     std::vector<int> steps;
     QObject::connect(flow.get(), &MineViewModel::currentStepChanged,
                      [this, &steps] { steps.push_back(flow->currentStepNumber()); });
-    calls->inside = [this](std::size_t call) {
-        if (call == GetParam())
-            flow->cancelMining();
-    };
+    leaveAt(GetParam(), Leaving::cancelled);
     flow->styleNext();
     ASSERT_TRUE(waitUntil([this] { return calls->count() == callsOfATimelinesMine; }));
     ASSERT_TRUE(runEnds());
@@ -428,14 +436,7 @@ TEST_F(MineRuns, anAuditThatIsCancelledOrLeftBehindMovesNoFlow) {
             services->then(200, messagesAnswer(R"({"coveragePercent": 1, "usedSegments": [], "buriedGold": [],
                 "redundancies": [], "alternates": [], "themeGaps": [], "confidenceScore": 1, "summary": "s"})"));
             const auto before = calls->count();
-            calls->inside = [this, isGone, before, call](std::size_t number) {
-                if (number != before + call)
-                    return;
-                if (isGone)
-                    flow.reset();
-                else
-                    flow->cancelMining();
-            };
+            leaveAt(before + call, isGone ? Leaving::destroyed : Leaving::cancelled);
             flow->startAudit();
             ASSERT_TRUE(waitUntil([&] { return calls->count() == before + callsOfAnAudit; })) << call;
             turn();
@@ -464,14 +465,7 @@ TEST_F(MineRuns, aProjectThatIsToldAnewGoesOnToItsEndWhenItIsCancelledOrLeftBehi
     for (const bool isGone : {false, true}) {
         for (std::size_t call = 1; call <= callsOfARun; ++call) {
             const auto before = calls->count();
-            calls->inside = [this, isGone, before, call](std::size_t number) {
-                if (number != before + call)
-                    return;
-                if (isGone)
-                    flow.reset();
-                else
-                    flow->cancelMining();
-            };
+            leaveAt(before + call, isGone ? Leaving::destroyed : Leaving::cancelled);
             begin();
             ASSERT_TRUE(waitUntil([&] { return calls->count() == before + callsOfARun; })) << call;
             turn();
@@ -496,10 +490,7 @@ TEST_F(MineRuns, aRunThatIsCancelledBeforeItBeginsDoesNotBegin) {
 TEST_F(MineRuns, afterACancelTheNextRunMovesTheFlowAndTheCancelledOneDoesNot) {
     givenDropped(givenFootage());
     givenServicesThatAnswerEverything();
-    calls->inside = [this](std::size_t call) {
-        if (call == callsOfAMine)
-            flow->cancelMining();
-    };
+    leaveAt(callsOfAMine, Leaving::cancelled);
     flow->styleNext();
     ASSERT_TRUE(waitUntil([this] { return pipeline->step() == PipelineStep::complete; }));
     turn();
@@ -543,10 +534,7 @@ TEST_F(MineRuns, cancellingTellsTheRunThenPutsThePipelineBackThenLeavesTheDig) {
     MineStep stepAtTheReset = MineStep::setup;
     QObject::connect(pipeline.get(), &LocalPipeline::logsCleared, flow.get(),
                      [this, &stepAtTheReset] { stepAtTheReset = flow->currentStep(); });
-    calls->inside = [this](std::size_t call) {
-        if (call == 2)
-            flow->cancelMining();
-    };
+    leaveAt(2, Leaving::cancelled);
     flow->styleNext();
     ASSERT_TRUE(waitUntil([this] { return flow->currentStep() == MineStep::style; }));
     EXPECT_EQ(stepAtTheReset, MineStep::processing);

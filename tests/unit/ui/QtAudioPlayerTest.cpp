@@ -21,10 +21,9 @@ void append(std::string& bytes, std::uint32_t value, int count) {
         bytes += static_cast<char>((value >> (8 * i)) & 0xffU);
 }
 
-/// A silent WAV file: one channel of 16 bits at 8000 a second.
-std::string silence(std::uint32_t seconds) {
-    const std::uint32_t rate = 8000;
-    const auto size = seconds * rate * 2;
+/// A WAV file of one channel of 16 bits, so many samples a second: those whose bytes these are.
+std::string wavOf(std::uint32_t rate, const std::string& samples) {
+    const auto size = static_cast<std::uint32_t>(samples.size());
     std::string bytes = "RIFF";
     append(bytes, 36 + size, 4);
     bytes += "WAVEfmt ";
@@ -37,7 +36,12 @@ std::string silence(std::uint32_t seconds) {
     append(bytes, 16, 2);
     bytes += "data";
     append(bytes, size, 4);
-    return bytes + std::string(size, '\0');
+    return bytes + samples;
+}
+
+std::string silence(std::uint32_t seconds) {
+    constexpr std::uint32_t rate = 8000;
+    return wavOf(rate, std::string(std::size_t{seconds} * rate * 2, '\0'));
 }
 
 /// Samples a second of the sound that tells its place, and of what the tests look at.
@@ -59,22 +63,10 @@ const std::vector<double>& hiss() {
 }
 
 std::string hissingWav() {
-    std::string bytes = "RIFF";
-    const auto size = static_cast<std::uint32_t>(hiss().size()) * 2;
-    append(bytes, 36 + size, 4);
-    bytes += "WAVEfmt ";
-    append(bytes, 16, 4);
-    append(bytes, 1, 2);
-    append(bytes, 1, 2);
-    append(bytes, placeRate, 4);
-    append(bytes, placeRate * 2, 4);
-    append(bytes, 2, 2);
-    append(bytes, 16, 2);
-    bytes += "data";
-    append(bytes, size, 4);
+    std::string samples;
     for (const auto sample : hiss())
-        append(bytes, static_cast<std::uint16_t>(static_cast<int>(sample * 30000.0)), 2);
-    return bytes;
+        append(samples, static_cast<std::uint16_t>(static_cast<int>(sample * 30000.0)), 2);
+    return wavOf(placeRate, samples);
 }
 
 /// Keeps what would be heard.

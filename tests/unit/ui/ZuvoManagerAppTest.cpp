@@ -2,8 +2,8 @@
 
 #include "ui/ZuvoManagerApp.h"
 
-#include "KeptUrls.h"
 #include "fakes/CoroutineTest.h"
+#include "fakes/KeptDesktop.h"
 #include "fakes/RecordingAdministratorShell.h"
 #include "fakes/TemporaryFolder.h"
 #include "model/Constants.h"
@@ -92,7 +92,7 @@ protected:
     std::map<std::string, std::string> variables;
     standin::StandIn services;
     std::shared_ptr<NoProcesses> processes = std::make_shared<NoProcesses>();
-    std::shared_ptr<KeptUrls> desktop = std::make_shared<KeptUrls>();
+    std::shared_ptr<KeptDesktop> desktop = std::make_shared<KeptDesktop>();
     std::shared_ptr<RecordingAdministratorShell> administrator = std::make_shared<RecordingAdministratorShell>();
     std::unique_ptr<ZuvoManagerApp> app;
 };

@@ -1,0 +1,20 @@
+#include "ui/TakePicture.h"
+
+#include <QDir>
+#include <QImage>
+#include <gtest/gtest.h>
+
+namespace zuvo::tests {
+
+void takePicture(WindowDriver& driver, const QString& name) {
+    const auto image = driver.picture();
+    ASSERT_FALSE(image.isNull());
+    EXPECT_NE(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
+    const auto folder = qEnvironmentVariable("ZUVO_PICTURES");
+    if (folder.isEmpty())
+        return;
+    QDir().mkpath(folder);
+    EXPECT_TRUE(image.save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
+}
+
+} // namespace zuvo::tests

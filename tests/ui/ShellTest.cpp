@@ -1,7 +1,6 @@
 #include "ui/ShellFixture.h"
 
 #include <QGuiApplication>
-#include <QPalette>
 #include <QTest>
 #include <filesystem>
 
@@ -65,7 +64,11 @@ protected:
 
 TEST_F(ShellTest, whatThePagesDoNotDrawThemselvesIsDarkToo) {
     launchSignedOut();
-    EXPECT_EQ(QGuiApplication::palette().color(QPalette::Window).name().toStdString(), "#1a1612");
+    const auto* palette = driver->window().property("palette").value<QObject*>();
+    ASSERT_NE(palette, nullptr);
+    EXPECT_EQ(palette->property("window").value<QColor>().name().toStdString(), "#1a1612");
+    EXPECT_EQ(palette->property("base").value<QColor>().name().toStdString(), "#211e18");
+    EXPECT_EQ(palette->property("text").value<QColor>().name().toStdString(), "#f5e6c8");
 }
 
 TEST_F(ShellTest, theSidebarHasTheMineThenAccountThenUpdates) {

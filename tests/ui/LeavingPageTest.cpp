@@ -94,18 +94,6 @@ TEST_F(LeavingPage, aButtonThatIsGreyStaysGrey) {
     expectTheSameLookWhileItLeavesTo(MineStep::style);
 }
 
-TEST_F(LeavingPage, theStyleKeepsItsLook) {
-    launch();
-    driver->resize(1100, 1400);
-    goTo(MineStep::style);
-    tabTo(QStringLiteral("fineTuneToggle"));
-    driver->press(Qt::Key_Space);
-    ASSERT_TRUE(driver->waitFor(QStringLiteral("slidersSection")));
-    driver->click(QPoint(600, 100)); // the ring goes
-    driver->find(QStringLiteral("pageStack"))->forceActiveFocus(Qt::OtherFocusReason);
-    expectTheSameLookWhileItLeavesTo(MineStep::review);
-}
-
 TEST_F(LeavingPage, theReviewKeepsItsLook) {
     launch();
     goTo(MineStep::review);

@@ -62,15 +62,6 @@ protected:
 
 // The sidebar
 
-TEST_F(ShellTest, whatThePagesDoNotDrawThemselvesIsDarkToo) {
-    launchSignedOut();
-    const auto* palette = driver->window().property("palette").value<QObject*>();
-    ASSERT_NE(palette, nullptr);
-    EXPECT_EQ(palette->property("window").value<QColor>().name().toStdString(), "#1a1612");
-    EXPECT_EQ(palette->property("base").value<QColor>().name().toStdString(), "#211e18");
-    EXPECT_EQ(palette->property("text").value<QColor>().name().toStdString(), "#f5e6c8");
-}
-
 TEST_F(ShellTest, theSidebarHasTheMineThenAccountThenUpdates) {
     launchSignedIn();
     std::vector<std::pair<double, std::string>> entries;

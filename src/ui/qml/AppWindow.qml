@@ -18,31 +18,6 @@ Window {
     height: Math.min(750, room.height)
     color: Qt.rgba(0.102, 0.086, 0.071, 1)
 
-    // The pages name their colours. This is for what Qt draws itself: the file dialog where the desktop has none. What
-    // it calls dark stands out more than a button's own colour, which here is lighter.
-    palette {
-        window: Theme.background
-        windowText: Theme.foreground
-        base: Theme.surface
-        alternateBase: Theme.surfaceHover
-        text: Theme.foreground
-        placeholderText: Theme.textMuted
-        button: Theme.surfaceHover
-        buttonText: Theme.foreground
-        brightText: Theme.background
-        light: Theme.border
-        midlight: Theme.border
-        mid: Theme.border
-        dark: Theme.textMuted
-        shadow: Theme.background
-        highlight: Theme.accent
-        highlightedText: "white"
-        link: Theme.torchGlow
-        linkVisited: Theme.textSecondary
-        toolTipBase: Theme.cardBg
-        toolTipText: Theme.foreground
-    }
-
     Component.onCompleted: {
         x = room.x + (room.width - width) / 2;
         y = room.y + (room.height - height) / 2;

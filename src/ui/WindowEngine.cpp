@@ -2,7 +2,6 @@
 
 #include "ui/Shadows.h"
 #include "ui/Symbols.h"
-#include "ui/ThemePalette.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -30,7 +29,6 @@ WindowEngine::WindowEngine(ContentViewModel* content) {
     // a font first waits for the end of that.
     QThreadPool::globalInstance()->start([] { (void)QFontDatabase::families(); });
     prepareEngine(m_engine);
-    QGuiApplication::setPalette(paletteOfTheme(m_engine));
     QVariantMap properties;
     properties[QStringLiteral("content")] = QVariant::fromValue(content);
     // Of one screen: several that stand side by side are no room for one window.

@@ -133,7 +133,7 @@ TEST_F(FlowTest, theConnectorsHaveRoomInTheNarrowestWindow) {
         }
         EXPECT_GE(driver->find(stepName(0))->mapToScene({0, 0}).x(), 220 + 2);
         const auto* last = driver->find(stepName(4));
-        EXPECT_LE(last->mapToScene({last->width(), 0}).x(), 900 - 2);
+        EXPECT_LE(last->mapToScene({last->width(), 0}).x(), 900 - 1);
     }
 }
 

@@ -1,7 +1,6 @@
 #include "ui/ShellFixture.h"
 
 #include <QGuiApplication>
-#include <QPalette>
 #include <QTest>
 #include <filesystem>
 
@@ -62,11 +61,6 @@ protected:
 } // namespace
 
 // The sidebar
-
-TEST_F(ShellTest, whatThePagesDoNotDrawThemselvesIsDarkToo) {
-    launchSignedOut();
-    EXPECT_EQ(QGuiApplication::palette().color(QPalette::Window).name().toStdString(), "#1a1612");
-}
 
 TEST_F(ShellTest, theSidebarHasTheMineThenAccountThenUpdates) {
     launchSignedIn();

@@ -100,7 +100,7 @@ TEST_F(LeavingPage, theReviewKeepsItsLook) {
     expectTheSameLookWhileItLeavesTo(MineStep::style);
 }
 
-TEST_F(LeavingPage, takesNeitherClicksNorKeysNorTab) {
+TEST_F(LeavingPage, takesNeitherClicksNorTab) {
     launch();
     drop({givenFile("a.wav")});
     const auto button = middleOf(QStringLiteral("actionButton"));

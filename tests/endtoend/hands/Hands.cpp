@@ -147,7 +147,7 @@ class HandsPlugin final : public QGenericPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "hands.json")
 public:
-    QObject* create(const QString& name, const QString& /*specification*/) override {
+    QObject* create(const QString& name, const QString& /*settings*/) override {
         return name == QLatin1String("hands") ? new Hands : nullptr; // the application owns it
     }
 };

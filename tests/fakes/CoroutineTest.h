@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QCoroTask>
 #include <QEventLoop>
 #include <QTimer>
@@ -23,6 +24,8 @@ inline void runEventLoop(std::chrono::milliseconds duration) {
     QEventLoop loop;
     QTimer::singleShot(duration, Qt::PreciseTimer, &loop, &QEventLoop::quit);
     loop.exec();
+    // What was to be deleted later while a click of a test was handled, no loop of ours being there, waits for this.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 /// Runs the event loop until `isSo` holds; false if it does not within the limit.

@@ -188,7 +188,7 @@ FocusScope {
         // square of the pieces: hundreds of letters and faces cost more than their drawing. This covers all that moves
         // with the board, so that there is one piece to add up. Its opacity is less than a step of any colour.
         Rectangle {
-            visible: view.GraphicsInfo.api === GraphicsInfo.Software
+            visible: GraphicsInfo.api === GraphicsInfo.Software
             x: view.map.seen.x
             y: view.map.seen.y
             z: 3

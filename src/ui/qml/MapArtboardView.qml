@@ -18,9 +18,10 @@ FocusScope {
     Accessible.name: "Map"
 
     function place() {
+        if (width <= 0 || height <= 0)
+            return;
         map.setViewSize(width, height);
-        if (width > 0 && height > 0)
-            map.initializePositions(width, height);
+        map.initializePositions(width, height);
     }
     /// Gives the keyboard to the card at that place of the story, or to the nearest there is.
     function choose(index) {

@@ -2,6 +2,7 @@
 
 #include "ui/ReviewTexts.h"
 
+#include <QMarginsF>
 #include <QRandomGenerator>
 #include <algorithm>
 #include <cmath>
@@ -27,6 +28,8 @@ constexpr double panShare = 0.3;
 constexpr double smallestScale = 0.4;
 constexpr double largestScale = 2.0;
 constexpr double wheelFactor = 1.1;
+/// From a card's centre to the farthest that is drawn of it: half of its size, and the reach of its shadow.
+constexpr QPointF drawnReach{46.0 + 20.0, 36.0 + 20.0};
 
 double randomJitter() {
     return (QRandomGenerator::global()->generateDouble() * 2.0 - 1.0) * jitterReach;
@@ -75,14 +78,19 @@ StoryMapModel::StoryMapModel(SegmentCards* cards, QObject* parent)
     connect(this, &QAbstractItemModel::rowsRemoved, this, &StoryMapModel::clustersChanged);
     connect(this, &QAbstractItemModel::rowsMoved, this, &StoryMapModel::clustersChanged);
     connect(this, &QAbstractItemModel::modelReset, this, &StoryMapModel::clustersChanged);
+    connect(this, &QAbstractItemModel::modelReset, this, &StoryMapModel::followSight);
+    connect(this, &StoryMapModel::artboardChanged, this, &StoryMapModel::seenChanged);
+    connect(this, &StoryMapModel::seenChanged, this, &StoryMapModel::followSight);
 }
 
 QVariant StoryMapModel::data(const QModelIndex& index, int role) const {
-    if (role != CenterX && role != CenterY)
+    if (role != CenterX && role != CenterY && role != IsInSight)
         return QIdentityProxyModel::data(index, role);
     const auto id = QIdentityProxyModel::data(index, SegmentCards::SegmentId);
     if (!id.isValid())
         return {};
+    if (role == IsInSight)
+        return m_inSight.count(id.toLongLong()) != 0;
     const auto center = positionOf(id.toLongLong());
     return role == CenterX ? center.x() : center.y();
 }
@@ -91,7 +99,13 @@ QHash<int, QByteArray> StoryMapModel::roleNames() const {
     auto names = m_cards->roleNames();
     names[CenterX] = "centerX";
     names[CenterY] = "centerY";
+    names[IsInSight] = "isInSight";
     return names;
+}
+
+void StoryMapModel::setViewSize(double width, double height) {
+    m_viewSize = {width, height};
+    Q_EMIT seenChanged();
 }
 
 void StoryMapModel::initializePositions(double width, double height) {
@@ -127,6 +141,7 @@ void StoryMapModel::moveCard(qint64 id, double x, double y) {
     m_cardPositions[id] = {x, y};
     const auto place = index(static_cast<int>(*row), 0);
     Q_EMIT dataChanged(place, place, {CenterX, CenterY});
+    followSight();
 }
 
 void StoryMapModel::pan(double translationX, double translationY) {
@@ -150,6 +165,34 @@ QPointF StoryMapModel::positionOf(std::int64_t id) const {
     return found == m_cardPositions.end() ? QPointF() : found->second;
 }
 
+QRectF StoryMapModel::seen() const {
+    const auto size = m_viewSize / m_artboardScale;
+    const auto middle = QPointF(m_viewSize.width(), m_viewSize.height()) / 2.0;
+    return {middle - (middle + m_artboardOffset) / m_artboardScale, size};
+}
+
+bool StoryMapModel::isInSight(std::int64_t id) const {
+    const auto reach = QMarginsF(drawnReach.x(), drawnReach.y(), drawnReach.x(), drawnReach.y());
+    return seen().marginsAdded(reach).contains(positionOf(id));
+}
+
+void StoryMapModel::followSight() {
+    const auto& segments = m_cards->segments();
+    const auto before = std::move(m_inSight);
+    m_inSight.clear();
+    for (const auto& segment : segments) {
+        if (isInSight(segment.id()))
+            m_inSight.insert(segment.id());
+    }
+    for (std::size_t row = 0; row < segments.size(); ++row) {
+        const auto id = segments[row].id();
+        if (m_inSight.count(id) == before.count(id))
+            continue;
+        const auto place = index(static_cast<int>(row), 0);
+        Q_EMIT dataChanged(place, place, {IsInSight});
+    }
+}
+
 QVariantList StoryMapModel::clusters() const {
     const auto chapters = mapChapters(m_cards->segments());
     QVariantList list;
@@ -169,6 +212,7 @@ QVariantList StoryMapModel::clusters() const {
 void StoryMapModel::positionsChanged() {
     if (rowCount() > 0)
         Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0), {CenterX, CenterY});
+    followSight();
 }
 
 } // namespace zuvo

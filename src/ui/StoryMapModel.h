@@ -4,6 +4,7 @@
 
 #include <QIdentityProxyModel>
 #include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 #include <QVariantList>
 #include <cstddef>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <map>
 #include <qqmlregistration.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -42,10 +44,12 @@ class StoryMapModel final : public QIdentityProxyModel {
     Q_PROPERTY(double offsetX READ offsetX NOTIFY artboardChanged)
     Q_PROPERTY(double offsetY READ offsetY NOTIFY artboardChanged)
     Q_PROPERTY(double artboardScale READ artboardScale NOTIFY artboardChanged)
+    Q_PROPERTY(QRectF seen READ seen NOTIFY seenChanged)
 public:
     enum Role {
         CenterX = SegmentCards::IsPlaying + 1,
         CenterY,
+        IsInSight, ///< whether any of the card, its shadow and its ring can be in the view
     };
 
     /// A random number from -8 to 8.
@@ -58,6 +62,8 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
+    /// The view of the board has that size from now on: what lies outside of it is out of sight.
+    Q_INVOKABLE void setViewSize(double width, double height);
     /// The board has come on screen in that size: cards and chapters are laid out, if they are not yet. They stay where
     /// they are when its size changes.
     Q_INVOKABLE void initializePositions(double width, double height);
@@ -79,18 +85,26 @@ public:
     [[nodiscard]] double offsetX() const { return m_artboardOffset.x(); }
     [[nodiscard]] double offsetY() const { return m_artboardOffset.y(); }
     [[nodiscard]] double artboardScale() const { return m_artboardScale; }
+    /// The part of the board that the view shows. The board is scaled about the middle of the view.
+    [[nodiscard]] QRectF seen() const;
 
 Q_SIGNALS:
     void clustersChanged();
     void artboardChanged();
+    void seenChanged();
 
 private:
     void positionsChanged();
+    /// Tells of the cards that have come into sight or gone out of it.
+    void followSight();
+    [[nodiscard]] bool isInSight(std::int64_t id) const;
 
     SegmentCards* m_cards;
     Jitter m_jitter;
     std::map<std::int64_t, QPointF> m_cardPositions;
-    QSizeF m_size;
+    std::set<std::int64_t> m_inSight; ///< the ids, as the views were told
+    QSizeF m_size;                    ///< of the board when it was laid out
+    QSizeF m_viewSize;
     QPointF m_artboardOffset;
     double m_artboardScale = 1.0;
 };

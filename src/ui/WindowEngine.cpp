@@ -1,5 +1,6 @@
 #include "ui/WindowEngine.h"
 
+#include "ui/MapCardFaces.h"
 #include "ui/Shadows.h"
 #include "ui/Symbols.h"
 
@@ -22,6 +23,7 @@ void prepareEngine(QQmlEngine& engine) {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbols"), new SymbolProvider); // the engine owns its providers
     engine.addImageProvider(QStringLiteral("shadows"), new ShadowProvider);
+    engine.addImageProvider(QStringLiteral("mapcards"), new MapCardFaces);
 }
 
 WindowEngine::WindowEngine(ContentViewModel* content) {

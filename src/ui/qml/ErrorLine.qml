@@ -15,7 +15,7 @@ Row {
 
     Symbol {
         y: 1
-        name: "exclamationmark.triangle.fill"
+        name: line.text !== "" ? "exclamationmark.triangle.fill" : ""
         size: 14
         color: Theme.error
     }

@@ -8,14 +8,20 @@ FocusScope {
 
     required property ReviewPageModel model
     readonly property StoryMapModel map: model.map
+    /// Pixels of a card's picture in a unit of the board: the next power of two above its scale, so that a picture is
+    /// never enlarged and no step of a zoom draws it anew.
+    readonly property real sharpness: (map.artboardScale > 1 ? 2 : map.artboardScale > 0.5 ? 1 : 0.5) * Screen.devicePixelRatio
+    readonly property real lineWidth: Hairline.width(Screen.devicePixelRatio)
     clip: true
 
     Accessible.role: Accessible.Pane
     Accessible.name: "Map"
 
     function place() {
-        if (width > 0 && height > 0)
-            map.initializePositions(width, height);
+        if (width <= 0 || height <= 0)
+            return;
+        map.setViewSize(width, height);
+        map.initializePositions(width, height);
     }
     /// Gives the keyboard to the card at that place of the story, or to the nearest there is.
     function choose(index) {
@@ -96,10 +102,6 @@ FocusScope {
         width: view.width
         height: view.height
         scale: view.map.artboardScale
-        /// The part of the board that the view shows.
-        readonly property rect seen: Qt.rect(width / 2 - (x + width / 2) / scale, height / 2 - (y + height / 2) / scale,
-                                             view.width / scale, view.height / scale)
-
         Repeater {
             model: view.map.clusters
             delegate: Item {
@@ -153,8 +155,8 @@ FocusScope {
                 x: centerX - width / 2
                 y: centerY - height / 2
                 z: mover.isMoving ? 2 : isHovered ? 1 : 0
-                isInSight: x + width + 20 > board.seen.x && x - 20 < board.seen.x + board.seen.width
-                           && y + height + 20 > board.seen.y && y - 20 < board.seen.y + board.seen.height
+                sharpness: view.sharpness
+                lineWidth: view.lineWidth
                 onPlayed: view.model.togglePlay(segmentId)
                 onRemoved: view.remove(index)
 
@@ -181,6 +183,20 @@ FocusScope {
                     onCanceled: isMoving = false
                 }
             }
+        }
+
+        // Without a graphics card the renderer adds up what has changed piece by piece, in a time that grows with the
+        // square of the pieces: hundreds of letters and faces cost more than their drawing. This covers all that moves
+        // with the board, so that there is one piece to add up. Its opacity is less than a step of any colour.
+        Rectangle {
+            visible: GraphicsInfo.api === GraphicsInfo.Software
+            x: view.map.seen.x
+            y: view.map.seen.y
+            z: 3
+            width: view.map.seen.width
+            height: view.map.seen.height
+            color: "black"
+            opacity: 0.0015
         }
     }
 }

@@ -1,6 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
-import QtQuick.Window
 import Zuvo
 
 /// A moment on the map. What can be done with it shows while it is pointed at or has the keyboard.
@@ -17,7 +15,12 @@ FocusScope {
     rotation: 0 // as it lies on the board
 
     /// Whether any of it can be seen. What cannot is not drawn, but can have the keyboard.
-    property bool isInSight: true
+    required property bool isInSight
+    property real sharpness: 1 ///< pixels in a unit of its picture
+    property real lineWidth: 1
+    property bool wasInSight: false
+    onIsInSightChanged: if (isInSight) wasInSight = true
+    Component.onCompleted: if (isInSight) wasInSight = true
 
     signal played()
     signal removed()
@@ -43,45 +46,53 @@ FocusScope {
     }
 
     HoverHandler { id: hover; cursorShape: Qt.OpenHandCursor }
-    // As few pieces as the look allows, and none out of sight: hundreds of cards follow the board.
-    Item {
-        id: face
+    // As few pieces as the look allows, none before they are seen and none drawn out of sight: hundreds of cards follow
+    // the board.
+    Loader {
         anchors.fill: parent
+        active: card.wasInSight
         visible: card.isInSight
-        Image {
-            readonly property int radius: 5
-            x: -3 * radius
-            y: x + 2
-            source: `image://shadows/${card.width}x${card.height}/${Theme.radiusXs}/${radius}/#40000000`
-        }
-        Rectangle {
-            anchors.fill: parent
-            radius: Theme.radiusXs
-            border.width: Hairline.width(Screen.devicePixelRatio)
-            border.color: Qt.tint(Theme.cardBg, card.isPlaying ? Theme.faded(card.chapterColor, 0.6) : Theme.faded(Theme.border, 0.4))
-            gradient: Gradient {
-                GradientStop { position: 0; color: Qt.tint(Theme.cardBg, Theme.faded(Theme.foreground, 0.04)) }
-                GradientStop { position: 1; color: Theme.cardBg }
+        sourceComponent: Item {
+            Image {
+                // With the reach of its shadow.
+                x: -15
+                y: -13
+                width: card.width + 30
+                height: card.height + 30
+                source: "image://mapcards/" + [
+                    card.width + "x" + card.height, Theme.radiusXs, card.lineWidth, card.sharpness,
+                    card.digits(Qt.tint(Theme.cardBg, Theme.faded(Theme.foreground, 0.04))), card.digits(Theme.cardBg),
+                    card.digits(Qt.tint(Theme.cardBg, card.isPlaying ? Theme.faded(card.chapterColor, 0.6)
+                                                                     : Theme.faded(Theme.border, 0.4))),
+                    card.digits(card.chapterColor), card.digits(Theme.faded(card.chapterColor, card.isPlaying ? 0.12 : 0))
+                ].join("/")
             }
-        }
-        Rectangle {
-            anchors.fill: parent
-            radius: Theme.radiusXs
-            visible: card.isPlaying
-            color: Theme.faded(card.chapterColor, 0.12)
-        }
-        Item {
-            width: 3
-            height: parent.height
-            clip: true
-            Rectangle {
-                width: 2 * Theme.radiusXs
-                height: parent.height
-                radius: Theme.radiusXs
-                color: card.chapterColor
+            Text {
+                x: 11
+                y: 6
+                width: parent.width - x - 6
+                text: card.transcript
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                maximumLineCount: 3
+                elide: Text.ElideRight
+                lineHeight: 1.15
+                font: Theme.textFont(9, Font.Normal)
+                color: Theme.faded(Theme.foreground, 0.85)
+            }
+            Text {
+                x: 11
+                anchors.bottom: parent.bottom
+                anchors.bottomMargin: 6
+                text: card.length
+                font: Theme.textFont(8, Font.Normal)
+                color: Theme.faded(Theme.textMuted, 0.5)
             }
         }
     }
+    /// A colour as the provider of the pictures reads it.
+    function digits(color) { return String(color).slice(1); }
+
     Rectangle {
         anchors.fill: parent
         anchors.margins: -2
@@ -91,68 +102,45 @@ FocusScope {
         border.color: Theme.torchGlow
         visible: card.activeFocus && !hover.hovered
     }
-    Label {
-        visible: card.isInSight
-        x: 11
-        y: 6
-        width: parent.width - x - 6
-        text: card.transcript
-        textFormat: Text.PlainText
-        wrapMode: Text.Wrap
-        maximumLineCount: 3
-        elide: Text.ElideRight
-        lineHeight: 1.15
-        font: Theme.textFont(9, Font.Normal)
-        color: Theme.faded(Theme.foreground, 0.85)
-        Accessible.ignored: true
-    }
-    Label {
-        visible: card.isInSight
-        x: 11
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: 6
-        text: card.length
-        font: Theme.textFont(8, Font.Normal)
-        color: Theme.faded(Theme.textMuted, 0.5)
-        Accessible.ignored: true
-    }
-    Row {
+    Loader {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         anchors.margins: 4
-        spacing: 4
-        visible: card.isHovered
-        SymbolButton {
-            objectName: "mapPlayButton"
-            implicitWidth: 20
-            implicitHeight: 20
-            leftPadding: 0
-            rightPadding: 0
-            ringRadius: 5
-            text: card.isPlaying ? "Stop" : "Preview"
-            showsText: false
-            symbolName: card.isPlaying ? "stop.fill" : "play.fill"
-            symbolSize: 9
-            ink: Theme.accent
-            hoverInk: Theme.accentHover
-            fill: Theme.faded(Theme.background, 0.85)
-            onClicked: card.played()
-        }
-        SymbolButton {
-            objectName: "mapRemoveButton"
-            implicitWidth: 20
-            implicitHeight: 20
-            leftPadding: 0
-            rightPadding: 0
-            ringRadius: 5
-            text: "Remove"
-            showsText: false
-            symbolName: "trash"
-            symbolSize: 9
-            ink: Theme.faded(Theme.error, 0.6)
-            hoverInk: Theme.error
-            fill: Theme.faded(Theme.background, 0.85)
-            onClicked: card.removed()
+        active: card.isHovered
+        sourceComponent: Row {
+            spacing: 4
+            SymbolButton {
+                objectName: "mapPlayButton"
+                implicitWidth: 20
+                implicitHeight: 20
+                leftPadding: 0
+                rightPadding: 0
+                ringRadius: 5
+                text: card.isPlaying ? "Stop" : "Preview"
+                showsText: false
+                symbolName: card.isPlaying ? "stop.fill" : "play.fill"
+                symbolSize: 9
+                ink: Theme.accent
+                hoverInk: Theme.accentHover
+                fill: Theme.faded(Theme.background, 0.85)
+                onClicked: card.played()
+            }
+            SymbolButton {
+                objectName: "mapRemoveButton"
+                implicitWidth: 20
+                implicitHeight: 20
+                leftPadding: 0
+                rightPadding: 0
+                ringRadius: 5
+                text: "Remove"
+                showsText: false
+                symbolName: "trash"
+                symbolSize: 9
+                ink: Theme.faded(Theme.error, 0.6)
+                hoverInk: Theme.error
+                fill: Theme.faded(Theme.background, 0.85)
+                onClicked: card.removed()
+            }
         }
     }
 }

@@ -20,13 +20,16 @@ Row {
             radius: 6
             color: dot.down ? Qt.darker(dot.color, 1.25) : dot.color
         }
-        contentItem: Text {
-            visible: hover.hovered
-            text: dot.mark
-            font: Theme.textFont(9, Font.Bold)
-            color: Qt.rgba(0, 0, 0, 0.6)
-            horizontalAlignment: Text.AlignHCenter
-            verticalAlignment: Text.AlignVCenter
+        // Seldom pointed at: a start does without the text and its font.
+        contentItem: Loader {
+            active: hover.hovered
+            sourceComponent: Text {
+                text: dot.mark
+                font: Theme.textFont(9, Font.Bold)
+                color: Qt.rgba(0, 0, 0, 0.6)
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+            }
         }
     }
 

@@ -22,6 +22,7 @@ protected:
         map.setJitter([] { return 0.0; });
     }
     void given(std::vector<StorySegment> segments) { cards.setSegments(std::move(segments)); }
+    [[nodiscard]] bool isInSight(int row) const { return map.index(row, 0).data(StoryMapModel::IsInSight).toBool(); }
     [[nodiscard]] QVariantMap cluster(int at) const { return map.clusters().at(at).toMap(); }
 
     SegmentCards cards;
@@ -186,4 +187,80 @@ TEST_F(StoryMap, theModelShowsWhatTheListShows) {
     map.initializePositions(1000, 700);
     EXPECT_TRUE(map.index(0, 0).data(SegmentCards::IsPlaying).toBool());
     EXPECT_EQ(map.roleNames().value(StoryMapModel::CenterX), QByteArray("centerX"));
+}
+
+TEST_F(StoryMap, theBoardIsSeenScaledAboutTheMiddleOfTheView) {
+    map.setViewSize(1000, 700);
+    EXPECT_EQ(map.seen(), QRectF(0, 0, 1000, 700));
+    map.pan(100, -200); // 30 to the right, 60 up
+    EXPECT_EQ(map.seen(), QRectF(-30, 60, 1000, 700));
+    map.zoom(2); // the view's middle, 500 and 350, lies 500 and 350 from the board's moved corner
+    EXPECT_EQ(map.seen(), QRectF(235, 205, 500, 350));
+}
+
+TEST_F(StoryMap, aCardIsInSightForAsLongAsItsShadowIs) {
+    given({segment(1, "a")});
+    map.setViewSize(1000, 700);
+    map.initializePositions(1000, 700);
+    EXPECT_TRUE(isInSight(0));
+    struct Case {
+        double x;
+        double y;
+        bool isSeen;
+    };
+    // Half of the card and 20 more: 66 to a side, 56 above and below.
+    const std::vector<Case> cases = {
+        {-66, 350, true},  {-67, 350, false}, {1066, 350, true}, {1067, 350, false}, {500, -56, true},
+        {500, -57, false}, {500, 756, true},  {500, 757, false}, {-67, -57, false},  {500, 350, true},
+    };
+    for (const auto& [x, y, isSeen] : cases) {
+        map.moveCard(1, x, y);
+        EXPECT_EQ(isInSight(0), isSeen) << x << ", " << y;
+    }
+}
+
+TEST_F(StoryMap, panningAndZoomingBringCardsIntoSightAndOutOfIt) {
+    given({segment(1, "a")});
+    map.setViewSize(1000, 700);
+    map.initializePositions(1000, 700); // the card at 390, 150
+    map.pan(-1520, 0);                  // 456 to the left: the view begins at 456, cards at 390
+    EXPECT_TRUE(isInSight(0));
+    map.pan(-10, 0);
+    EXPECT_FALSE(isInSight(0));
+    map.zoom(0.5); // twice as much on every side
+    EXPECT_TRUE(isInSight(0));
+    map.zoom(1);
+    EXPECT_FALSE(isInSight(0));
+    map.pan(10, 0);
+    EXPECT_TRUE(isInSight(0));
+}
+
+TEST_F(StoryMap, aLargerViewShowsMoreCards) {
+    given({segment(1, "a")});
+    map.setViewSize(1000, 700);
+    map.initializePositions(1000, 700);
+    map.moveCard(1, 1500, 350);
+    EXPECT_FALSE(isInSight(0));
+    map.setViewSize(1500, 700);
+    EXPECT_TRUE(isInSight(0));
+}
+
+TEST_F(StoryMap, onlyCardsWhoseSightHasChangedAreTold) {
+    given({segment(1, "a"), segment(2, "a"), segment(2, "a")});
+    map.setViewSize(1000, 700);
+    map.initializePositions(1000, 700);
+    map.moveCard(2, -60, 350);
+    std::vector<int> told;
+    QObject::connect(&map, &QAbstractItemModel::dataChanged, &map,
+                     [&told](const QModelIndex& first, const QModelIndex& /*last*/, const QList<int>& roles) {
+                         EXPECT_THAT(roles, ElementsAre(int(StoryMapModel::IsInSight)));
+                         told.push_back(first.row());
+                     });
+    map.pan(-10, 0);
+    EXPECT_TRUE(told.empty());
+    map.pan(-20, 0); // 9 to the left by now: both of that id
+    EXPECT_THAT(told, ElementsAre(1, 2));
+    EXPECT_TRUE(isInSight(0));
+    EXPECT_FALSE(isInSight(1));
+    EXPECT_FALSE(isInSight(2));
 }

@@ -6,7 +6,8 @@
 #include <string>
 
 #ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
+/// Of the sanitizers' own interface, whose header GCC does not bring.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // NOLINT(bugprone-reserved-identifier)
 #endif
 
 namespace zuvo::tests {

@@ -1,5 +1,5 @@
-// What grows with the length of the footage and what must not. The big brother of these tests is benchmarks/long_run.py,
-// with eight hours of footage.
+// What grows with the length of the footage and what must not. The big brother of these tests is
+// benchmarks/long_run.py, with eight hours of footage.
 
 #include "endtoend/InProcess.h"
 #include "endtoend/MineTest.h"

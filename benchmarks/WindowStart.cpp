@@ -1,5 +1,5 @@
-// One start of a window, for benchmarks/window_start.py to time from outside. Prints "first frame" once the first frame has
-// been shown, "rest" two seconds later, and ends when its standard input does. Its argument says what it shows:
+// One start of a window, for benchmarks/window_start.py to time from outside. Prints "first frame" once the first frame
+// has been shown, "rest" two seconds later, and ends when its standard input does. Its argument says what it shows:
 //
 //   bare          a QQuickWindow with nothing in it, and no QML engine
 //   empty         the empty window of a Qt Quick application: an engine loads `import QtQuick; Window { visible: true

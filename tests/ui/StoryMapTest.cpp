@@ -144,3 +144,28 @@ TEST_F(StoryMapWindow, aCardLiesStraight) {
     openMap();
     EXPECT_EQ(driver->find(QStringLiteral("mapCard0"))->rotation(), 0.0);
 }
+
+TEST_F(StoryMapWindow, aCardBeginsOnAPixelOfTheScreenWhereverTheBoardIsPanned) {
+    openMap();
+    const auto* card = driver->find(QStringLiteral("mapCard0"));
+    const auto isOnPixel = [&] {
+        const auto corner = card->mapToScene({0, 0});
+        return corner == QPointF(corner.toPoint());
+    };
+    page->map()->moveCard(0, 300.3, 200.6);
+    EXPECT_TRUE(isOnPixel());
+    page->map()->pan(1, 2);
+    EXPECT_TRUE(isOnPixel());
+    EXPECT_NEAR(page->map()->artboardOffset().x(), 0.3, 1e-9);
+}
+
+TEST_F(StoryMapWindow, picturesAreMixedFromTheirPixelsOnlyOnceAZoomRests) {
+    openMap();
+    const auto isSmooth = [this] { return driver->find(QStringLiteral("mapCard0"))->property("isSmooth").toBool(); };
+    EXPECT_FALSE(isSmooth());
+    page->map()->zoom(0.8);
+    EXPECT_FALSE(isSmooth());
+    EXPECT_TRUE(waitUntil(isSmooth));
+    page->map()->zoom(1);
+    EXPECT_TRUE(waitUntil([&] { return !isSmooth(); }));
+}

@@ -8,11 +8,27 @@ FocusScope {
 
     required property ReviewPageModel model
     readonly property StoryMapModel map: model.map
-    /// Pixels of a card's picture in a unit of the board: the next power of two above its scale, so that a picture is
-    /// never enlarged and no step of a zoom draws it anew.
-    readonly property real sharpness: (map.artboardScale > 1 ? 2 : map.artboardScale > 0.5 ? 1 : 0.5) * Screen.devicePixelRatio
+    readonly property real boardScale: map.artboardScale
+    property real restingScale: 1 ///< follows once a zoom pauses
+    /// Pixels of a card's picture in a unit of the board: the next power of two above the scale at rest, so that no step
+    /// of a zoom draws it anew.
+    readonly property real sharpness: (restingScale > 1 ? 2 : restingScale > 0.5 ? 1 : 0.5) * Screen.devicePixelRatio
     readonly property real lineWidth: Hairline.width(Screen.devicePixelRatio)
+    readonly property bool isDrawnBySoftware: GraphicsInfo.api === GraphicsInfo.Software
+    /// Whether pictures are mixed from neighbouring pixels. Without a graphics card that costs several times as much as
+    /// copying them: it is left out where a pixel of a picture is one of the screen, and while a zoom moves.
+    readonly property bool isSmooth: boardScale === restingScale ? boardScale !== 1 || Screen.devicePixelRatio % 1 !== 0
+                                                                 : !isDrawnBySoftware
     clip: true
+
+    /// The length at which a pixel of the screen begins, at a scale of 1.
+    function onPixel(length) { return Math.round(length * Screen.devicePixelRatio) / Screen.devicePixelRatio; }
+    onBoardScaleChanged: pause.restart()
+    Timer {
+        id: pause
+        interval: 150
+        onTriggered: view.restingScale = view.boardScale
+    }
 
     Accessible.role: Accessible.Pane
     Accessible.name: "Map"
@@ -50,7 +66,10 @@ FocusScope {
 
     onWidthChanged: place()
     onHeightChanged: place()
-    Component.onCompleted: place()
+    Component.onCompleted: {
+        restingScale = boardScale;
+        place();
+    }
     Component.onDestruction: map.clear()
 
     Canvas {
@@ -97,11 +116,11 @@ FocusScope {
     Item {
         id: board
         objectName: "mapContent"
-        x: view.map.offsetX
-        y: view.map.offsetY
+        x: view.onPixel(view.map.offsetX)
+        y: view.onPixel(view.map.offsetY)
         width: view.width
         height: view.height
-        scale: view.map.artboardScale
+        scale: view.boardScale
         Repeater {
             model: view.map.clusters
             delegate: Item {
@@ -152,11 +171,12 @@ FocusScope {
                 required property real centerY
 
                 objectName: "mapCard" + index
-                x: centerX - width / 2
-                y: centerY - height / 2
+                x: view.onPixel(centerX - width / 2)
+                y: view.onPixel(centerY - height / 2)
                 z: mover.isMoving ? 2 : isHovered ? 1 : 0
                 sharpness: view.sharpness
                 lineWidth: view.lineWidth
+                isSmooth: view.isSmooth
                 onPlayed: view.model.togglePlay(segmentId)
                 onRemoved: view.remove(index)
 
@@ -189,7 +209,7 @@ FocusScope {
         // square of the pieces: hundreds of letters and faces cost more than their drawing. This covers all that moves
         // with the board, so that there is one piece to add up. Its opacity is less than a step of any colour.
         Rectangle {
-            visible: GraphicsInfo.api === GraphicsInfo.Software
+            visible: view.isDrawnBySoftware
             x: view.map.seen.x
             y: view.map.seen.y
             z: 3

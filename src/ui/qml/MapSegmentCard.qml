@@ -17,6 +17,7 @@ FocusScope {
     /// Whether any of it can be seen. What cannot is not drawn, but can have the keyboard.
     required property bool isInSight
     property real sharpness: 1 ///< pixels in a unit of its picture
+    property bool isSmooth: true
     property real lineWidth: 1
     property bool wasInSight: false
     onIsInSightChanged: if (isInSight) wasInSight = true
@@ -59,6 +60,7 @@ FocusScope {
                 y: -13
                 width: card.width + 30
                 height: card.height + 30
+                smooth: card.isSmooth
                 source: "image://mapcards/" + [
                     card.width + "x" + card.height, Theme.radiusXs, card.lineWidth, card.sharpness,
                     card.digits(Qt.tint(Theme.cardBg, Theme.faded(Theme.foreground, 0.04))), card.digits(Theme.cardBg),

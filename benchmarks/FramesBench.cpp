@@ -13,6 +13,7 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <fmt/format.h>
@@ -21,6 +22,7 @@
 #include <numeric>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -123,15 +125,36 @@ double mean(const std::vector<double>& values) {
     return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
 }
 
-void report(const char* name, const std::vector<double>& ours, const std::vector<double>& baseline) {
-    constexpr double frameMs = 16.7;
-    const auto late = std::count_if(ours.begin(), ours.end(), [](double ms) { return ms > frameMs; });
-    fmt::print("{:<34} ratio {:>6.2f}  mean {:>6.2f} ms  worst {:>6.2f} ms  late {} of {}  baseline mean {:.2f} ms "
-               "worst {:.2f} ms\n",
-               name, mean(ours) / mean(baseline), mean(ours), *std::max_element(ours.begin(), ours.end()), late,
-               ours.size(), mean(baseline), *std::max_element(baseline.begin(), baseline.end()));
-    std::fflush(stdout);
-}
+/// The same movement of stories of several sizes, told as a line for each and one for the growth.
+class Movement {
+public:
+    explicit Movement(const char* name) : m_name(name) {}
+
+    void report(int size, const std::vector<double>& ours, const std::vector<double>& baseline) {
+        constexpr double frameMs = 16.7;
+        const auto late = std::count_if(ours.begin(), ours.end(), [](double ms) { return ms > frameMs; });
+        const auto worst = [](const std::vector<double>& frames) {
+            return *std::max_element(frames.begin(), frames.end());
+        };
+        fmt::print("{}, {}: mean {:.2f} ms and worst {:.2f} ms with {} of {} late against {:.2f} ms and {:.2f} ms, "
+                   "ratio {:.2f}\n",
+                   m_name, size, mean(ours), worst(ours), late, ours.size(), mean(baseline), worst(baseline),
+                   mean(ours) / mean(baseline));
+        std::fflush(stdout);
+        m_means.emplace_back(size, mean(ours));
+    }
+
+    void reportGrowth() const {
+        const auto& [smallest, first] = m_means.front();
+        const auto& [largest, last] = m_means.back();
+        fmt::print("{}, growth: {} to {}, exponent {:.2f}\n", m_name, smallest, largest,
+                   std::log(last / first) / std::log(static_cast<double>(largest) / smallest));
+    }
+
+private:
+    const char* m_name;
+    std::vector<std::pair<int, double>> m_means; ///< ours by size, in milliseconds
+};
 
 std::unique_ptr<ReviewPageModel> pageWith(int segments, int lines) {
     auto page = std::make_unique<ReviewPageModel>();
@@ -142,65 +165,99 @@ std::unique_ptr<ReviewPageModel> pageWith(int segments, int lines) {
 constexpr int scrollStep = 37; // a brisk turn of the wheel; a new card comes in at every third frame
 
 void list() {
-    const auto page = pageWith(500, 0);
-    Scene cards("SegmentList { }", page.get());
-    auto* list = cards.find("segmentList");
-    const auto ours = cards.frames([&](int i) { list->setProperty("contentY", scrollStep * i); });
-    Scene rectangles(R"(ListView {
-        objectName: "list"; width: 1100; height: 750; model: 500; spacing: 8; cacheBuffer: 400
-        delegate: Rectangle { x: 32; width: 1036; height: 88; radius: 12; color: "#241F19" }
-    })",
-                     nullptr);
-    auto* bare = rectangles.find("list");
-    report("list of 500 cards, scrolled", ours,
-           rectangles.frames([&](int i) { bare->setProperty("contentY", scrollStep * i); }));
+    Movement scrolled("frames of a list of so many cards, scrolled");
+    for (const int count : {50, 500, 5000}) {
+        const auto page = pageWith(count, 0);
+        Scene cards("SegmentList { }", page.get());
+        auto* list = cards.find("segmentList");
+        const auto lastPlace = std::max(1.0, list->property("contentHeight").toDouble() - windowSize.height());
+        const auto place = [&](int i) { return std::fmod(scrollStep * i, lastPlace); };
+        const auto ours = cards.frames([&](int i) { list->setProperty("contentY", place(i)); });
+        Scene rectangles(fmt::format(R"(ListView {{
+            objectName: "list"; width: 1100; height: 750; model: {}; spacing: 8; cacheBuffer: 400
+            delegate: Rectangle {{ x: 32; width: 1036; height: 88; radius: 12; color: "#241F19" }}
+        }})",
+                                     count)
+                             .c_str(),
+                         nullptr);
+        auto* bare = rectangles.find("list");
+        scrolled.report(count, ours, rectangles.frames([&](int i) { bare->setProperty("contentY", place(i)); }));
+    }
+    scrolled.reportGrowth();
+}
+
+/// What a pinch sets: inwards to the smallest scale, then outwards to the largest.
+double pinch(int frame) {
+    constexpr int inwards = frameCount / 3;
+    return frame < inwards ? 1.0 - 0.006 * frame : 0.4 + 0.008 * (frame - inwards);
 }
 
 void map() {
-    const auto page = pageWith(300, 0);
-    Scene cards("MapArtboardView { }", page.get());
-    const auto ours = cards.frames([&](int i) { page->map()->pan(i < frameCount / 2 ? -9 : 9, -6); });
-    Scene rectangles(R"(Item {
-        id: board; objectName: "board"; width: 1100; height: 750
-        Repeater {
-            model: 300
-            Rectangle { x: (index % 12) * 95; y: Math.floor(index / 12) * 90; width: 92; height: 72; radius: 8; color: "#241F19" }
-        }
-    })",
-                     nullptr);
-    auto* bare = rectangles.find("board");
-    report("map of 300 cards, panned", ours, rectangles.frames([&](int i) {
-        bare->setX(-2.7 * std::min(i, frameCount - i));
-        bare->setY(-1.8 * i);
-    }));
-    auto* dragged = cards.find("mapCard7");
-    const auto id = page->segments()[7].id();
-    const auto moved = cards.frames([&](int i) { page->map()->moveCard(id, 300 + i, 200 + i % 40); });
-    report("map of 300 cards, one dragged", moved, rectangles.frames([&](int i) { bare->setX(i); }));
-    if (dragged->x() < 300)
-        throw std::runtime_error("The card did not move");
-    const auto pinch = [](int i) { return i < frameCount / 3 ? 1.0 - 0.006 * i : 0.4 + 0.008 * (i - frameCount / 3); };
-    report("map of 300 cards, zoomed", cards.frames([&](int i) { page->map()->zoom(pinch(i)); }),
-           rectangles.frames([&](int i) { bare->setScale(pinch(i)); }));
+    Movement panned("frames of a map of so many cards, panned");
+    Movement dragged("frames of a map of so many cards, one dragged");
+    Movement zoomed("frames of a map of so many cards, zoomed");
+    for (const int count : {75, 300, 1200}) {
+        const auto page = pageWith(count, 0);
+        Scene cards("MapArtboardView { }", page.get());
+        Scene rectangles(fmt::format(R"(Item {{
+            id: board; objectName: "board"; width: 1100; height: 750
+            Repeater {{
+                model: {}
+                Rectangle {{
+                    x: (index % 12) * 95; y: Math.floor(index / 12) * 90
+                    width: 92; height: 72; radius: 8; color: "#241F19"
+                }}
+            }}
+        }})",
+                                     count)
+                             .c_str(),
+                         nullptr);
+        auto* bare = rectangles.find("board");
+        const auto pan = cards.frames([&](int i) { page->map()->pan(i < frameCount / 2 ? -9 : 9, -6); });
+        panned.report(count, pan, rectangles.frames([&](int i) {
+            bare->setX(-2.7 * std::min(i, frameCount - i));
+            bare->setY(-1.8 * i);
+        }));
+        const auto* card = cards.find("mapCard7");
+        const auto id = page->segments()[7].id();
+        const auto drag = cards.frames([&](int i) { page->map()->moveCard(id, 300 + i, 200 + i % 40); });
+        dragged.report(count, drag, rectangles.frames([&](int i) { bare->setX(i); }));
+        if (card->x() < 300)
+            throw std::runtime_error("The card did not move");
+        const auto zoom = cards.frames([&](int i) { page->map()->zoom(pinch(i)); });
+        zoomed.report(count, zoom, rectangles.frames([&](int i) { bare->setScale(pinch(i)); }));
+    }
+    panned.reportGrowth();
+    dragged.reportGrowth();
+    zoomed.reportGrowth();
 }
 
 void echo() {
-    const auto page = pageWith(1, 50000);
-    Scene view("EchoView { }", page.get());
-    const char* const searches[] = {"m", "ma", "mar", "ma", "m", ""};
-    const auto ours =
-        view.frames([&](int i) { page->setTranscriptSearch(QString::fromUtf8(searches[std::size_t(i) % 6])); });
-    Scene plain(R"(ListView {
-        objectName: "list"; width: 1100; height: 750; model: 50000
-        delegate: Text { height: 39; text: "La mar te ense\u00f1a a esperar, y tambi\u00e9n que no siempre sirve." }
-    })",
-                nullptr);
-    auto* bare = plain.find("list");
-    report("Echo of 50000 lines, a key typed", ours,
-           plain.frames([&](int i) { bare->setProperty("model", 50000 - i % 6); }));
-    auto* lines = view.find("echoList");
-    report("Echo of 50000 lines, scrolled", view.frames([&](int i) { lines->setProperty("contentY", scrollStep * i); }),
-           plain.frames([&](int i) { bare->setProperty("contentY", scrollStep * i); }));
+    Movement typed("frames of the Echo of so many lines, a key typed");
+    Movement scrolled("frames of the Echo of so many lines, scrolled");
+    for (const int count : {5000, 50000, 500000}) {
+        const auto page = pageWith(1, count);
+        Scene view("EchoView { }", page.get());
+        const char* const searches[] = {"m", "ma", "mar", "ma", "m", ""};
+        const auto keys =
+            view.frames([&](int i) { page->setTranscriptSearch(QString::fromUtf8(searches[std::size_t(i) % 6])); });
+        Scene plain(fmt::format(R"(ListView {{
+            objectName: "list"; width: 1100; height: 750; model: {}
+            delegate: Text {{
+                height: 39; text: "La mar te ense\u00f1a a esperar, y tambi\u00e9n que no siempre sirve."
+            }}
+        }})",
+                                count)
+                        .c_str(),
+                    nullptr);
+        auto* bare = plain.find("list");
+        typed.report(count, keys, plain.frames([&](int i) { bare->setProperty("model", count - i % 6); }));
+        auto* lines = view.find("echoList");
+        const auto rows = view.frames([&](int i) { lines->setProperty("contentY", scrollStep * i); });
+        scrolled.report(count, rows, plain.frames([&](int i) { bare->setProperty("contentY", scrollStep * i); }));
+    }
+    typed.reportGrowth();
+    scrolled.reportGrowth();
 }
 
 } // namespace

@@ -7,7 +7,6 @@ A figure is any line that a benchmark prints in one of the forms
 
     WHAT: WORDS, ratio NUMBER
     WHAT: WORDS, exponent NUMBER
-    WHAT  ratio NUMBER  WORDS
 
 With NAMEs only the benchmarks run whose name contains one of them. --markdown runs all and also puts the table into
 docs/performance.md, between its two marks.
@@ -20,10 +19,7 @@ import sys
 from pathlib import Path
 from typing import NamedTuple
 
-FIGURES = [re.compile(form) for form in (
-    r"(?P<what>[^:]+): (?P<words>.+), (?P<kind>ratio|exponent) (?P<number>-?[0-9.]+)",
-    r"(?P<what>\S[^:]*?)\s+(?P<kind>ratio) +(?P<number>[0-9.]+)\s+(?P<words>.+)",
-)]
+FIGURE = re.compile(r"(?P<what>[^:]+): (?P<words>.+), (?P<kind>ratio|exponent) (?P<number>-?[0-9.]+)")
 MARK_BEFORE = "<!-- figures: written by ./bench --markdown -->"
 MARK_AFTER = "<!-- end of figures -->"
 
@@ -72,10 +68,8 @@ class Figure(NamedTuple):
 
 def figure_of(line: str) -> Figure | None:
     """The figure that the line tells, if it does."""
-    for form in FIGURES:
-        if match := form.fullmatch(line.strip()):
-            return Figure(*match.group("what", "words", "kind", "number"))
-    return None
+    match = FIGURE.fullmatch(line.strip())
+    return Figure(*match.group("what", "words", "kind", "number")) if match else None
 
 
 def run(benchmark: Benchmark, root: Path) -> tuple[list[Figure], str]:

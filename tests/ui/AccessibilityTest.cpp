@@ -1,9 +1,10 @@
 #include "ui/PluginPageFixture.h"
+#include "ui/ScreenReader.h"
 #include "ui/ShellFixture.h"
 
-#include <QAccessible>
 #include <QQuickItem>
 #include <algorithm>
+#include <map>
 
 // What a screen reader is told of each page.
 
@@ -13,46 +14,6 @@ using testing::Contains;
 using testing::Not;
 
 namespace {
-
-struct Told {
-    QAccessible::Role role;
-    std::string name;
-    bool isFocusable = false;
-    bool isSelected = false;
-    QObject* object = nullptr;
-};
-
-void collect(QAccessibleInterface* interface, std::vector<Told>& told) {
-    if (interface == nullptr || !interface->isValid() || interface->state().invisible)
-        return;
-    told.push_back({interface->role(), interface->text(QAccessible::Name).toStdString(),
-                    interface->state().focusable != 0, interface->state().selected != 0, interface->object()});
-    for (int i = 0; i < interface->childCount(); ++i)
-        collect(interface->child(i), told);
-}
-
-std::vector<Told> toldOf(WindowDriver& driver) {
-    QAccessible::setActive(true);
-    std::vector<Told> told;
-    collect(QAccessible::queryAccessibleInterface(&driver.window()), told);
-    return told;
-}
-
-bool isOperated(QAccessible::Role role) {
-    switch (role) {
-    case QAccessible::Button:
-    case QAccessible::PageTab:
-    case QAccessible::EditableText:
-    case QAccessible::CheckBox:
-    case QAccessible::RadioButton:
-    case QAccessible::ComboBox:
-    case QAccessible::Slider:
-    case QAccessible::Link:
-        return true;
-    default:
-        return false;
-    }
-}
 
 std::vector<std::string> operatedNames(const std::vector<Told>& told) {
     std::vector<std::string> names;
@@ -70,26 +31,6 @@ std::vector<std::string> textNames(const std::vector<Told>& told) {
             names.push_back(each.name);
     }
     return names;
-}
-
-/// Every control of the page is told with a role that says how it is operated, and with a name.
-void expectAllNamed(WindowDriver& driver) {
-    const auto told = toldOf(driver);
-    ASSERT_GT(told.size(), 1U) << "nothing is told";
-    for (const auto& each : told) {
-        const auto what = each.object == nullptr ? "" : each.object->metaObject()->className();
-        EXPECT_NE(each.role, QAccessible::NoRole) << what << " " << each.name;
-        if (isOperated(each.role) || each.isFocusable) {
-            EXPECT_NE(each.name, "") << what << " has no name";
-        }
-    }
-    for (auto* item : driver.shownItems()) {
-        if (!item->inherits("QQuickAbstractButton") && !item->inherits("QQuickTextField"))
-            continue;
-        const auto isIt = [item](const Told& each) { return each.object == item && isOperated(each.role); };
-        EXPECT_TRUE(std::any_of(told.begin(), told.end(), isIt))
-            << item->objectName().toStdString() << " is not told of";
-    }
 }
 
 class AccessibilityTest : public ShellFixture {};
@@ -149,7 +90,7 @@ TEST_F(AccessibilityTest, theSidebarTellsWhichEntryIsChosen) {
     std::vector<std::pair<std::string, bool>> entries;
     for (const auto& each : toldOf(*driver)) {
         if (each.object != nullptr && each.object->objectName().startsWith(QLatin1String("tab")))
-            entries.emplace_back(each.name, each.isSelected);
+            entries.emplace_back(each.name, (each.state.selected != 0));
     }
     EXPECT_THAT(entries, testing::ElementsAre(testing::Pair("The Mine", true), testing::Pair("Account", false),
                                               testing::Pair("Updates", false)));
@@ -195,6 +136,20 @@ TEST_F(AccessibilityTest, theFlowIsToldWhole) {
     }
     EXPECT_THAT(operatedNames(toldOf(*driver)),
                 testing::IsSupersetOf({"Into the Mine", "The Lantern", "The Dig", "The Discovery", "Daylight"}));
+}
+
+TEST_F(AccessibilityTest, aStepTellsWhetherItCanBeGoneTo) {
+    launchSignedIn();
+    world.page<MineViewModel>()->advanceTo(MineStep::style);
+    runEventLoop(std::chrono::milliseconds(450));
+    std::map<std::string, std::string> steps;
+    for (const auto& each : toldOf(*driver)) {
+        if (isOperated(each.role))
+            steps[each.name] = each.description;
+    }
+    EXPECT_EQ(steps["Into the Mine"], "Go back to this step");
+    EXPECT_EQ(steps["The Lantern"], "Current step");
+    EXPECT_EQ(steps["Daylight"], "Not reached yet");
 }
 
 TEST_F(PluginPageAccessibilityTest, thePluginIsToldWhole) {

@@ -1,4 +1,5 @@
 #include "ui/FlowFixture.h"
+#include "ui/ScreenReader.h"
 
 #include <QFileInfo>
 #include <QQmlComponent>
@@ -413,6 +414,23 @@ TEST_F(SetupPageInWindow, ofMoreThanThreeSavedProjectsOnlyTheFirstThreeAreShown)
     givenSaved(4);
     EXPECT_TRUE(driver->waitFor(QStringLiteral("recentMine2")));
     EXPECT_FALSE(driver->shows(QStringLiteral("recentMine3")));
+}
+
+TEST_F(SetupPageInWindow, anOpenMenuTellsAScreenReaderWhatItIsAndWhichRowIsChosen) {
+    launch();
+    drop({givenFile("a.wav")});
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("languagePicker")));
+    driver->click(QStringLiteral("languagePicker"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("pickerRow0")));
+    std::vector<std::string> chosen;
+    bool isListNamed = false;
+    for (const auto& each : toldOf(*driver)) {
+        isListNamed = isListNamed || (each.role == QAccessible::List && each.name == "Language");
+        if (each.role == QAccessible::ListItem && each.state.selected)
+            chosen.push_back(each.name);
+    }
+    EXPECT_TRUE(isListNamed);
+    EXPECT_THAT(chosen, ElementsAre("Auto-detect"));
 }
 
 TEST_F(SetupPageInWindow, everyChoiceByTheMouseAlone) {

@@ -45,6 +45,7 @@ FocusScope {
                     Label {
                         anchors.centerIn: parent
                         text: view.model.initial
+                        visible: text !== ""
                         textFormat: Text.PlainText
                         font: Theme.textFont(24, Font.DemiBold)
                         color: Theme.accent

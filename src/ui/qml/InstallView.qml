@@ -133,6 +133,7 @@ FocusScope {
                     width: Math.min(implicitWidth, parent.width / 2)
                     elide: Text.ElideRight
                     text: view.model.versionText
+                    visible: text !== ""
                     textFormat: Text.PlainText
                     font: Theme.mono(12)
                     color: Theme.textMuted

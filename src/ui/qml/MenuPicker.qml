@@ -67,6 +67,8 @@ T.ComboBox {
         highlighted: picker.highlightedIndex === index
         hoverEnabled: true
         Accessible.name: text
+        Accessible.selectable: true
+        Accessible.selected: picker.currentIndex === index
         background: Rectangle {
             radius: Theme.radiusXs
             color: row.highlighted ? Theme.faded(Theme.accent, 0.16) : Theme.faded(Theme.accent, 0)
@@ -105,6 +107,8 @@ T.ComboBox {
             model: picker.popup.visible ? picker.delegateModel : null
             currentIndex: picker.highlightedIndex
             boundsBehavior: Flickable.StopAtBounds
+            Accessible.role: Accessible.List
+            Accessible.name: picker.label
             Controls.ScrollBar.vertical: PageScrollBar { }
         }
         background: Item {

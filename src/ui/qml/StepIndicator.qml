@@ -45,7 +45,8 @@ Item {
                     opacity: step.isAhead ? 0.6 : 1.0
                     focusPolicy: step.isPassed ? Qt.StrongFocus : Qt.NoFocus
                     hoverEnabled: step.isPassed
-                    Accessible.description: step.isPassed ? "Go back to this step" : step.isCurrent ? "Current step" : ""
+                    Accessible.description: step.isPassed ? "Go back to this step"
+                                          : step.isCurrent ? "Current step" : "Not reached yet"
                     onClicked: {
                         if (step.isPassed)
                             stepIndicator.chosen();

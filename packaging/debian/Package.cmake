@@ -39,8 +39,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "${needed}")
-# A desktop on Wayland; the plugin's password dialog; links of the browser; both programs' words completed.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, pkexec, desktop-file-utils, xdg-utils")
+# A desktop on Wayland; the desktop's own file dialog; the plugin's password dialog; links of the browser; both programs'
+# words completed.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, qt6-gtk-platformtheme, pkexec, desktop-file-utils, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_OUTPUT_FILE_PREFIX ${PROJECT_BINARY_DIR})

@@ -61,6 +61,27 @@ TEST_F(StylePageInWindow, slidersAreOpenedAndMovedByTheKeyboard) {
     EXPECT_EQ(driver->find(QStringLiteral("slider0"))->property("value").toDouble(), 0.5);
 }
 
+TEST_F(StylePageInWindow, thePageScrollsByTheKeyboardButNotWhileOneWrites) {
+    launchOnStyle();
+    driver->resize(900, 600);
+    const auto* scroll = driver->find(QStringLiteral("styleScroll"));
+    ASSERT_NE(scroll, nullptr);
+    const auto place = [scroll] { return scroll->property("contentY").toDouble(); };
+    const auto last = [scroll] { return scroll->property("contentHeight").toDouble() - scroll->height(); };
+    driver->press(Qt::Key_End);
+    EXPECT_TRUE(waitUntil([&] { return place() == last(); }));
+    EXPECT_GT(last(), 48.0);
+    driver->press(Qt::Key_Up);
+    EXPECT_TRUE(waitUntil([&] { return place() == last() - 48.0; }));
+    driver->press(Qt::Key_Home);
+    EXPECT_TRUE(waitUntil([&] { return place() == 0.0; }));
+    tabTo(QStringLiteral("referenceField"));
+    const auto writing = place();
+    driver->press(Qt::Key_Up);
+    runEventLoop(std::chrono::milliseconds(250));
+    EXPECT_EQ(place(), writing);
+}
+
 TEST_F(StylePageInWindow, aReferenceIsTypedAndCleared) {
     launchOnStyle();
     tabTo(QStringLiteral("referenceField"));

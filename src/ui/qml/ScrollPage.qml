@@ -16,7 +16,7 @@ FocusScope {
         contentWidth: width
         contentHeight: column.height + page.topMargin + Theme.spacing48
         boundsBehavior: Flickable.StopAtBounds
-        onMovementStarted: gliding.stop()
+        onMovementStarted: scrollKeys.stop()
         ScrollBar.vertical: PageScrollBar { policy: flick.contentHeight > flick.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
 
         Column {
@@ -29,29 +29,10 @@ FocusScope {
         }
     }
 
-    // What no control leads to is reached by the keys that scroll.
-    Keys.onPressed: event => {
-        const pageful = flick.height - Theme.spacing48;
-        const ways = {
-            [Qt.Key_Up]: -Theme.spacing48, [Qt.Key_Down]: Theme.spacing48, [Qt.Key_PageUp]: -pageful,
-            [Qt.Key_PageDown]: pageful, [Qt.Key_Home]: -flick.contentHeight, [Qt.Key_End]: flick.contentHeight
-        };
-        const way = ways[event.key];
-        event.accepted = way !== undefined && flick.contentHeight > flick.height;
-        if (event.accepted)
-            scrollTo((gliding.running ? gliding.to : flick.contentY) + way);
-    }
-    function scrollTo(place) {
-        gliding.stop();
-        gliding.to = Math.max(0, Math.min(place, flick.contentHeight - flick.height));
-        gliding.start();
-    }
-    NumberAnimation {
-        id: gliding
-        target: flick
-        property: "contentY"
-        duration: 150
-        easing.type: Easing.OutQuad
+    Keys.onPressed: event => scrollKeys.take(event)
+    ScrollKeys {
+        id: scrollKeys
+        flick: flick
     }
 
     // A control that the keyboard reaches comes into view.
@@ -61,7 +42,7 @@ FocusScope {
         if (focused === null || (focused.focusReason !== Qt.TabFocusReason && focused.focusReason !== Qt.BacktabFocusReason)
                 || !isInColumn(focused))
             return;
-        gliding.stop();
+        scrollKeys.stop();
         const top = focused.mapToItem(flick.contentItem, 0, 0).y - Theme.spacing24;
         const bottom = top + focused.height + 2 * Theme.spacing24;
         if (top < flick.contentY)

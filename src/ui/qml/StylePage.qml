@@ -14,9 +14,15 @@ FocusScope {
         flow: page.flow
     }
 
+    Keys.onPressed: event => scrollKeys.take(event)
+    ScrollKeys {
+        id: scrollKeys
+        flick: scroll
+    }
     FlowScroll {
         id: scroll
         objectName: "styleScroll"
+        onMovementStarted: scrollKeys.stop()
         anchors.fill: parent
         columnWidth: Math.min(816, width - 2 * Theme.spacing32)
         columnX: (width - columnWidth) / 2

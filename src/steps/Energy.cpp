@@ -35,8 +35,10 @@ constexpr std::int64_t exactDoubles = std::int64_t{1} << std::numeric_limits<dou
 /// Of up to 2^33 samples (months), so that whole numbers cannot overflow.
 std::int64_t wholeSumOfSquares(std::span<const std::int16_t> samples) {
     std::int64_t sum = 0;
-    for (const std::int32_t sample : samples)
-        sum += sample * sample;
+    for (const std::int32_t sample : samples) {
+        const std::int32_t square = sample * sample;
+        sum += square;
+    }
     return sum;
 }
 

@@ -32,7 +32,7 @@ FocusScope {
     Keys.onPressed: event => scrollKeys.take(event)
     ScrollKeys {
         id: scrollKeys
-        flick: flick
+        flickable: flick
     }
 
     // A control that the keyboard reaches comes into view.

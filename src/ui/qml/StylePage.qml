@@ -17,7 +17,7 @@ FocusScope {
     Keys.onPressed: event => scrollKeys.take(event)
     ScrollKeys {
         id: scrollKeys
-        flick: scroll
+        flickable: scroll
     }
     FlowScroll {
         id: scroll

@@ -4,6 +4,7 @@
 #include "exporters/FCPXMLExporter.h"
 #include "exporters/PremiereXMLExporter.h"
 
+#include "support/SpecialNumbers.h"
 #include "support/StoryRecords.h"
 
 #include <gmock/gmock.h>
@@ -17,9 +18,6 @@ using testing::HasSubstr;
 using tests::footage;
 using tests::moment;
 using tests::Streams;
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 const std::vector<double> oddNumbers = {0.0,   -0.0,   1.0,    -5.0,    0.009,    -0.01,     1e-308,
                                         1e308, -1e308, 9.3e18, -9.3e18, infinity, -infinity, notANumber};

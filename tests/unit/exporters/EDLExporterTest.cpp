@@ -72,12 +72,12 @@ TEST(EDL, sourceTimesLieInTheFileOfTheStartHoweverLongTheSegment) {
     EXPECT_THAT(eventLine(moment(20.0, 21.0, "A.wav"), files), HasSubstr(" 02:00:10:00 02:00:11:00 "));
 }
 
-struct Rate {
+struct EdlRate {
     double fps;
     const char* times; ///< source in and out, record in and out of 0.99 s that begin at 1.99 s
 };
 
-class EDLRates : public testing::TestWithParam<Rate> {};
+class EDLRates : public testing::TestWithParam<EdlRate> {};
 
 TEST_P(EDLRates, framesAreTruncated) {
     EXPECT_THAT(eventLine(moment(1.99, 2.98, "A.wav"), {}, GetParam().fps), HasSubstr(GetParam().times));
@@ -85,18 +85,18 @@ TEST_P(EDLRates, framesAreTruncated) {
 
 // 0.99 and 0.98 of a second: at 24 that is 23.76 and 23.52, at 60 59.4 and 58.8.
 INSTANTIATE_TEST_SUITE_P(Listed, EDLRates,
-                         testing::Values(Rate{23.976, "00:00:01:23 00:00:02:23 00:00:00:00 00:00:00:23"},
-                                         Rate{24.0, "00:00:01:23 00:00:02:23 00:00:00:00 00:00:00:23"},
-                                         Rate{25.0, "00:00:01:24 00:00:02:24 00:00:00:00 00:00:00:24"},
-                                         Rate{29.97, "00:00:01:29 00:00:02:29 00:00:00:00 00:00:00:29"},
-                                         Rate{30.0, "00:00:01:29 00:00:02:29 00:00:00:00 00:00:00:29"},
-                                         Rate{50.0, "00:00:01:49 00:00:02:49 00:00:00:00 00:00:00:49"},
-                                         Rate{59.94, "00:00:01:59 00:00:02:58 00:00:00:00 00:00:00:59"},
-                                         Rate{60.0, "00:00:01:59 00:00:02:58 00:00:00:00 00:00:00:59"}));
+                         testing::Values(EdlRate{23.976, "00:00:01:23 00:00:02:23 00:00:00:00 00:00:00:23"},
+                                         EdlRate{24.0, "00:00:01:23 00:00:02:23 00:00:00:00 00:00:00:23"},
+                                         EdlRate{25.0, "00:00:01:24 00:00:02:24 00:00:00:00 00:00:00:24"},
+                                         EdlRate{29.97, "00:00:01:29 00:00:02:29 00:00:00:00 00:00:00:29"},
+                                         EdlRate{30.0, "00:00:01:29 00:00:02:29 00:00:00:00 00:00:00:29"},
+                                         EdlRate{50.0, "00:00:01:49 00:00:02:49 00:00:00:00 00:00:00:49"},
+                                         EdlRate{59.94, "00:00:01:59 00:00:02:58 00:00:00:00 00:00:00:59"},
+                                         EdlRate{60.0, "00:00:01:59 00:00:02:58 00:00:00:00 00:00:00:59"}));
 // 47.952: 47.47 and 46.99; 12.5: 12.375 and 12.25.
 INSTANTIATE_TEST_SUITE_P(Others, EDLRates,
-                         testing::Values(Rate{47.952, "00:00:01:47 00:00:02:46 00:00:00:00 00:00:00:47"},
-                                         Rate{12.5, "00:00:01:12 00:00:02:12 00:00:00:00 00:00:00:12"}));
+                         testing::Values(EdlRate{47.952, "00:00:01:47 00:00:02:46 00:00:00:00 00:00:00:47"},
+                                         EdlRate{12.5, "00:00:01:12 00:00:02:12 00:00:00:00 00:00:00:12"}));
 
 TEST(EDL, theRecordSideLosesWhatIsLessThanAFrameAtEachEvent) {
     // 0.1 s at 25 are two frames and a half: each event is two frames long.

@@ -78,12 +78,12 @@ TEST(FCPXML, noSubtitlesAndAnEmptyListAreTheSame) {
     EXPECT_THAT(none, Not(HasSubstr("caption")));
 }
 
-struct Rate {
+struct DocumentRate {
     double fps;
     const char* frame;
 };
 
-class FCPXMLDocumentRates : public testing::TestWithParam<Rate> {};
+class FCPXMLDocumentRates : public testing::TestWithParam<DocumentRate> {};
 
 TEST_P(FCPXMLDocumentRates, standInTheFormatAndInEveryMarker) {
     const auto text = document({moment(0.0, 1.0, "a")}, {}, GetParam().fps);
@@ -92,11 +92,12 @@ TEST_P(FCPXMLDocumentRates, standInTheFormatAndInEveryMarker) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Listed, FCPXMLDocumentRates,
-                         testing::Values(Rate{23.976, "1001/24000s"}, Rate{24.0, "100/2400s"}, Rate{25.0, "100/2500s"},
-                                         Rate{29.97, "1001/30000s"}, Rate{30.0, "100/3000s"}, Rate{50.0, "100/5000s"},
-                                         Rate{59.94, "1001/60000s"}, Rate{60.0, "100/6000s"}));
+                         testing::Values(DocumentRate{23.976, "1001/24000s"}, DocumentRate{24.0, "100/2400s"},
+                                         DocumentRate{25.0, "100/2500s"}, DocumentRate{29.97, "1001/30000s"},
+                                         DocumentRate{30.0, "100/3000s"}, DocumentRate{50.0, "100/5000s"},
+                                         DocumentRate{59.94, "1001/60000s"}, DocumentRate{60.0, "100/6000s"}));
 INSTANTIATE_TEST_SUITE_P(Others, FCPXMLDocumentRates,
-                         testing::Values(Rate{23.98, "100/2398s"}, Rate{47.952, "100/4795s"}));
+                         testing::Values(DocumentRate{23.98, "100/2398s"}, DocumentRate{47.952, "100/4795s"}));
 
 TEST(FCPXMLAsset, tellsItsStreams) {
     const auto asset = [](Streams streams) { return line(document({}, {footage("a", 9.0, streams)}), "    <asset "); };

@@ -1,4 +1,5 @@
 #include "exporters/FCPXMLTime.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -7,16 +8,13 @@
 namespace zuvo {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-struct Rate {
+struct TimeRate {
     double fps;
     const char* frameDuration;
     const char* halfSecond;
 };
 
-class FCPXMLRates : public testing::TestWithParam<Rate> {};
+class FCPXMLRates : public testing::TestWithParam<TimeRate> {};
 
 TEST_P(FCPXMLRates, oneFrame) {
     EXPECT_EQ(FCPXMLTime::frameDuration(GetParam().fps), GetParam().frameDuration);
@@ -30,18 +28,18 @@ TEST_P(FCPXMLRates, wholeSecondsAreWholeAtEveryRate) {
     EXPECT_EQ(FCPXMLTime::rational(3600.0, GetParam().fps), "3600s");
 }
 
-INSTANTIATE_TEST_SUITE_P(Listed, FCPXMLRates,
-                         testing::Values(Rate{23.976, "1001/24000s", "12000/24000s"},
-                                         Rate{24.0, "100/2400s", "1200/2400s"}, Rate{25.0, "100/2500s", "1250/2500s"},
-                                         Rate{29.97, "1001/30000s", "15000/30000s"},
-                                         Rate{30.0, "100/3000s", "1500/3000s"}, Rate{50.0, "100/5000s", "2500/5000s"},
-                                         Rate{59.94, "1001/60000s", "30000/60000s"},
-                                         Rate{60.0, "100/6000s", "3000/6000s"}));
+INSTANTIATE_TEST_SUITE_P(
+    Listed, FCPXMLRates,
+    testing::Values(TimeRate{23.976, "1001/24000s", "12000/24000s"}, TimeRate{24.0, "100/2400s", "1200/2400s"},
+                    TimeRate{25.0, "100/2500s", "1250/2500s"}, TimeRate{29.97, "1001/30000s", "15000/30000s"},
+                    TimeRate{30.0, "100/3000s", "1500/3000s"}, TimeRate{50.0, "100/5000s", "2500/5000s"},
+                    TimeRate{59.94, "1001/60000s", "30000/60000s"}, TimeRate{60.0, "100/6000s", "3000/6000s"}));
 
 INSTANTIATE_TEST_SUITE_P(Others, FCPXMLRates,
-                         testing::Values(Rate{23.98, "100/2398s", "1199/2398s"}, Rate{12.5, "100/1250s", "625/1250s"},
+                         testing::Values(TimeRate{23.98, "100/2398s", "1199/2398s"},
+                                         TimeRate{12.5, "100/1250s", "625/1250s"},
                                          // Next to a listed rate is not listed: 29.970000000000002 x 100 is 2997.
-                                         Rate{29.970000000000002, "100/2997s", "1499/2997s"}));
+                                         TimeRate{29.970000000000002, "100/2997s", "1499/2997s"}));
 
 TEST(FCPXMLTime, countsByTheFractionalRateOverItsWholePart) {
     // 47.952 x 100 = 4795.2: 2 s are 9590.4, which rounds to twice 4795; 3600 s are 17262720, which 4795 does not

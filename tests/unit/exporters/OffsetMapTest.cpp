@@ -1,5 +1,6 @@
 #include "exporters/OffsetMap.h"
 
+#include "support/SpecialNumbers.h"
 #include "support/StoryRecords.h"
 
 #include <gmock/gmock.h>
@@ -174,7 +175,6 @@ TEST_F(ResolveSourceTime, givesNothingWithoutAMap) {
 }
 
 TEST_F(ResolveSourceTime, givesNothingForNoNumber) {
-    const double notANumber = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(resolveSourceTime(notANumber, map, SourceOrigin::firstSample).has_value());
 }
 

@@ -49,13 +49,13 @@ std::vector<std::string> places(const std::string& track) {
     return found;
 }
 
-struct Rate {
+struct XmemlRate {
     double fps;
     const char* timebase;
     const char* ntsc;
 };
 
-class XMEMLRates : public testing::TestWithParam<Rate> {};
+class XMEMLRates : public testing::TestWithParam<XmemlRate> {};
 
 TEST_P(XMEMLRates, areTheSameInSequenceClipAndFile) {
     const auto text = document({moment(0.0, 1.0, "a")}, {footage("a", 9.0, Streams::videoWithSound)}, GetParam().fps);
@@ -68,13 +68,13 @@ TEST_P(XMEMLRates, areTheSameInSequenceClipAndFile) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Listed, XMEMLRates,
-                         testing::Values(Rate{23.976, "25", "TRUE"}, Rate{24.0, "24", "FALSE"},
-                                         Rate{25.0, "25", "FALSE"}, Rate{29.97, "31", "TRUE"},
-                                         Rate{30.0, "30", "FALSE"}, Rate{50.0, "50", "FALSE"},
-                                         Rate{59.94, "61", "TRUE"}, Rate{60.0, "60", "FALSE"}));
+                         testing::Values(XmemlRate{23.976, "25", "TRUE"}, XmemlRate{24.0, "24", "FALSE"},
+                                         XmemlRate{25.0, "25", "FALSE"}, XmemlRate{29.97, "31", "TRUE"},
+                                         XmemlRate{30.0, "30", "FALSE"}, XmemlRate{50.0, "50", "FALSE"},
+                                         XmemlRate{59.94, "61", "TRUE"}, XmemlRate{60.0, "60", "FALSE"}));
 INSTANTIATE_TEST_SUITE_P(Others, XMEMLRates,
-                         testing::Values(Rate{23.98, "24", "FALSE"}, Rate{12.5, "13", "FALSE"},
-                                         Rate{29.970000000000002, "30", "FALSE"}));
+                         testing::Values(XmemlRate{23.98, "24", "FALSE"}, XmemlRate{12.5, "13", "FALSE"},
+                                         XmemlRate{29.970000000000002, "30", "FALSE"}));
 
 TEST(XMEML, withoutSegmentsTheTrackIsEmpty) {
     EXPECT_EQ(document({}, {}), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

@@ -1,4 +1,5 @@
 #include "exporters/Timecode.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -98,8 +99,6 @@ TEST(TimecodeOfOddNumbers, standsAtTheEndOfTheRange) {
 }
 
 TEST(TimecodeOfOddNumbers, noNumberCountsAsZero) {
-    const double notANumber = std::numeric_limits<double>::quiet_NaN();
-    const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(timecode(notANumber, 24.0), "00:00:00:00");
     EXPECT_EQ(timecode(1.5, notANumber), "00:00:01:00");
     EXPECT_EQ(timecode(infinity, 24.0), "9223372036854775807:00:00:00");

@@ -16,7 +16,7 @@ namespace {
 
 using tests::XmlElement;
 
-constexpr int storyCount = 10'000;
+constexpr int fcpxmlStoryCount = 10'000;
 
 /// Readers take a line end or a tab within an attribute for a blank.
 std::string asAttribute(std::string text) {
@@ -103,7 +103,7 @@ void expectReferencesToAssets(const XmlElement& spine, const XmlElement& resourc
 TEST(FCPXMLProperty, documentsAreWellFormedAndHoldEveryTextEscapedOnce) {
     tests::RandomStories stories(43);
     std::size_t clips = 0;
-    for (int run = 0; run < storyCount; ++run) {
+    for (int run = 0; run < fcpxmlStoryCount; ++run) {
         const auto story = stories.next();
         const auto text =
             FCPXMLExporter::exportText(story.projectName, story.segments, story.mediaFiles, story.fps, story.subtitles);
@@ -124,7 +124,7 @@ TEST(FCPXMLProperty, documentsAreWellFormedAndHoldEveryTextEscapedOnce) {
         if (HasFailure())
             FAIL() << "story " << run << "\n" << text;
     }
-    EXPECT_GT(clips, std::size_t{storyCount});
+    EXPECT_GT(clips, std::size_t{fcpxmlStoryCount});
 }
 
 TEST(FCPXMLProperty, aCharacterThatXmlDoesNotKnowMakesADocumentThatReadersRefuse) {

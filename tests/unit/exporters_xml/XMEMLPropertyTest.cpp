@@ -15,7 +15,7 @@ namespace {
 
 using tests::XmlElement;
 
-constexpr int storyCount = 10'000;
+constexpr int xmemlStoryCount = 10'000;
 
 /// The text of the child as a whole number; a failure of the running test if it is none.
 long long wholeFrames(const XmlElement& element, const std::string& childName) {
@@ -93,7 +93,7 @@ void expectFiles(const XmlElement& audio, const tests::ExportedStory& story) {
 TEST(XMEMLProperty, documentsAreWellFormedWithClipsInWholeFramesThatAdjoin) {
     tests::RandomStories stories(44);
     std::size_t clips = 0;
-    for (int run = 0; run < storyCount; ++run) {
+    for (int run = 0; run < xmemlStoryCount; ++run) {
         const auto story = stories.next();
         const auto text =
             PremiereXMLExporter::exportText(story.projectName, story.segments, story.mediaFiles, story.fps);
@@ -115,7 +115,7 @@ TEST(XMEMLProperty, documentsAreWellFormedWithClipsInWholeFramesThatAdjoin) {
         if (HasFailure())
             FAIL() << "story " << run << "\n" << text;
     }
-    EXPECT_GT(clips, std::size_t{storyCount});
+    EXPECT_GT(clips, std::size_t{xmemlStoryCount});
 }
 
 TEST(XMEMLProperty, aCharacterThatXmlDoesNotKnowMakesADocumentThatReadersRefuse) {

@@ -16,7 +16,7 @@ using testing::Not;
 namespace {
 
 /// What would be sent a second time has been sent by then.
-constexpr auto aWhile = 300ms;
+constexpr auto aShortWhile = 300ms;
 
 class HttpMethod : public testing::Test {
 protected:
@@ -62,7 +62,7 @@ TEST_F(HttpMethod, aGetHasAnEmptyBody) {
 TEST_F(HttpMethod, aGetWhoseConnectionIsClosedUnansweredIsSentOnce) {
     server.thenAlways(closeUnanswered());
     EXPECT_EQ(send(get()).failure, "Connection closed");
-    runEventLoop(aWhile);
+    runEventLoop(aShortWhile);
     EXPECT_EQ(server.requests().size(), 1U);
     EXPECT_EQ(server.connectionCount(), 1);
 }
@@ -70,7 +70,7 @@ TEST_F(HttpMethod, aGetWhoseConnectionIsClosedUnansweredIsSentOnce) {
 TEST_F(HttpMethod, aGetWhoseConnectionIsResetIsSentOnce) {
     server.thenAlways(resetUnanswered());
     EXPECT_THAT(send(get()).failure, Not(IsEmpty()));
-    runEventLoop(aWhile);
+    runEventLoop(aShortWhile);
     EXPECT_EQ(server.requests().size(), 1U);
 }
 
@@ -84,7 +84,7 @@ TEST_F(HttpMethod, aGetFollowsNoRedirectAndItsKeyGoesNowhereElse) {
         EXPECT_EQ(got.status, status);
         EXPECT_EQ(got.body, "moved") << status;
     }
-    runEventLoop(aWhile);
+    runEventLoop(aShortWhile);
     EXPECT_EQ(server.requests().size(), 5U);
     EXPECT_EQ(elsewhere.connectionCount(), 0);
 }
@@ -92,7 +92,7 @@ TEST_F(HttpMethod, aGetFollowsNoRedirectAndItsKeyGoesNowhereElse) {
 TEST_F(HttpMethod, aGetFollowsNoRedirectOnTheSameServerEither) {
     server.thenAlways(answer(httpAnswer(302, "", {"Location: /elsewhere"})));
     EXPECT_EQ(send(get()).status, 302);
-    runEventLoop(aWhile);
+    runEventLoop(aShortWhile);
     EXPECT_EQ(server.requests().size(), 1U);
 }
 
@@ -101,7 +101,7 @@ TEST_F(HttpMethod, aChallengeToAGetIsAnAnswerAndIsNotMet) {
     const auto got = send(get());
     EXPECT_EQ(got.status, 401);
     EXPECT_EQ(got.body, "who?");
-    runEventLoop(aWhile);
+    runEventLoop(aShortWhile);
     EXPECT_EQ(server.requests().size(), 1U);
 }
 

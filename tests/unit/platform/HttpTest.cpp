@@ -15,14 +15,14 @@ using testing::Not;
 
 namespace {
 
-constexpr auto longTimeout = 15s;
+constexpr auto ampleTime = 15s;
 /// What would be sent a second time has been sent by then.
-constexpr auto aWhile = 300ms;
+constexpr auto aShortPause = 300ms;
 
 class Http : public testing::Test {
 protected:
     HttpRequest request(const std::string& path = "/v1/messages") const {
-        return {server.url(path), {{"x-api-key", "key-1"}}, "the body", longTimeout};
+        return {server.url(path), {{"x-api-key", "key-1"}}, "the body", ampleTime};
     }
 
     HttpAnswer post(HttpRequest toSend) { return runToEnd(client->send(std::move(toSend))); }
@@ -111,7 +111,7 @@ TEST_F(Http, aChallengeForAPasswordIsAnAnswerLikeAnyOther) {
         EXPECT_EQ(got.failure, "");
         EXPECT_EQ(got.status, 401);
         EXPECT_EQ(got.body, "wrong key");
-        runEventLoop(aWhile);
+        runEventLoop(aShortPause);
         EXPECT_EQ(server.requests().size(), sentBefore + 1);
     }
 }
@@ -122,7 +122,7 @@ TEST_F(Http, aProxysChallengeFromAServiceIsAnAnswerLikeAnyOther) {
     EXPECT_EQ(got.failure, "");
     EXPECT_EQ(got.status, 407);
     EXPECT_EQ(got.body, "who are you");
-    runEventLoop(aWhile);
+    runEventLoop(aShortPause);
     EXPECT_EQ(server.requests().size(), 1U);
 }
 
@@ -137,7 +137,7 @@ TEST_F(Http, aRedirectIsNotFollowedAndCarriesNoKeyAnywhere) {
         EXPECT_EQ(got.body, "moved");
         EXPECT_FALSE(got.isSuccess());
     }
-    runEventLoop(aWhile);
+    runEventLoop(aShortPause);
     EXPECT_EQ(elsewhere.connectionCount(), 0);
     EXPECT_EQ(server.requests().size(), 5U);
 }
@@ -162,7 +162,7 @@ TEST_F(Http, aHeaderValueWithALineEndIsRefusedAndNothingIsSent) {
         EXPECT_THAT(got.failure, HasSubstr("x-api-key"));
         EXPECT_THAT(got.failure, Not(HasSubstr("more")));
     }
-    runEventLoop(aWhile);
+    runEventLoop(aShortPause);
     EXPECT_EQ(server.connectionCount(), 0);
 }
 

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// The level of samples of 16384: half of full scale.
-const double halfScaleDb = 20.0 * std::log10(0.5);
+const double halfLevelDb = 20.0 * std::log10(0.5);
 
 class EnergyAudit : public testing::Test {
 protected:
@@ -98,8 +98,8 @@ TEST_F(EnergyAudit, aRejectedSegmentIsNamedByItsOwnIndex) {
 }
 
 TEST_F(EnergyAudit, aSegmentAtExactlyTheThresholdPasses) {
-    EXPECT_EQ(audit({segment(0, 100, 110)}, halfScaleDb).results.segments.size(), 1u);
-    EXPECT_THAT(audit({segment(0, 100, 110)}, std::nextafter(halfScaleDb, 0.0)).results.segments, IsEmpty());
+    EXPECT_EQ(audit({segment(0, 100, 110)}, halfLevelDb).results.segments.size(), 1u);
+    EXPECT_THAT(audit({segment(0, 100, 110)}, std::nextafter(halfLevelDb, 0.0)).results.segments, IsEmpty());
 }
 
 TEST_F(EnergyAudit, theRestIsNumberedByPositionWhileActsKeepTheNumbersOfTheReply) {
@@ -155,7 +155,7 @@ TEST_F(EnergyAudit, aSourceWithoutSamplesIsSilent) {
 TEST_F(EnergyAudit, aSegmentIsMeasuredUpToItsFilesEnd) {
     sources = {{"A.wav", "/m/A.wav", 0.0, 105.0, 105.0}};
     std::fill(samples["A.wav"].begin() + 105 * levelSampleRate, samples["A.wav"].end(), std::int16_t{0});
-    EXPECT_EQ(audit({segment(0, 100, 120)}, halfScaleDb).results.segments.size(), 1u);
+    EXPECT_EQ(audit({segment(0, 100, 120)}, halfLevelDb).results.segments.size(), 1u);
 }
 
 TEST_F(EnergyAudit, survivesHugeTimes) {

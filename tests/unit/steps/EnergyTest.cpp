@@ -1,4 +1,5 @@
 #include "steps/Energy.h"
+#include "support/SpecialNumbers.h"
 
 #include <gmock/gmock.h>
 
@@ -13,9 +14,6 @@ namespace {
 using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// 20 × log10(16384 ÷ 32768)
 constexpr double halfScaleDb = -6.020599913279624;

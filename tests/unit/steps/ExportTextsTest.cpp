@@ -1,6 +1,7 @@
 #include "steps/ExportTexts.h"
 
 #include "support/GoldenFile.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +9,6 @@
 
 namespace zuvo {
 namespace {
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 TEST(SrtTime, truncatesTheFractionAfterTheMultiplication) {
     EXPECT_EQ(srtTime(3661.999), "01:01:01,998");

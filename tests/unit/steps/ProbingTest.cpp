@@ -1,6 +1,7 @@
 #include "steps/Probing.h"
 
 #include "support/GoldenFile.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +9,6 @@
 
 namespace zuvo {
 namespace {
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 ProbeResult probed(const std::string& output) {
     const auto result = probeResultFrom("/footage/day 1/a.wav", output);

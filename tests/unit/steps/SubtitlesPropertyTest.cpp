@@ -1,4 +1,5 @@
 #include "steps/ExportTexts.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -182,7 +183,6 @@ TEST(SubtitlesProperty, evenCardsShowEveryWordOnceOnAtLeastThreeButTheLast) {
 }
 
 TEST(SubtitlesProperty, wildTimesLoseNoWordAndKeepTheTextBounded) {
-    const double infinity = std::numeric_limits<double>::infinity();
     const std::vector<double> wild = {0.0,
                                       1.0,
                                       -5.0,

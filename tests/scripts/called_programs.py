@@ -16,7 +16,7 @@ from shell_reader import programs_of_shell
 SYSTEM_PATH = ("/usr/bin", "/bin", "/usr/sbin", "/sbin")
 # The first argument of these is a list that begins with a program; of those below, the program itself.
 TAKING_LISTS = {"run", "Popen", "call", "check_call", "check_output"}
-TAKING_NAMES = {"run", "execvp", "execvpe", "execv", "execve", "which", "find_executable"}
+TAKING_NAMES = {"execvp", "execvpe", "execv", "execve", "which", "find_executable"}
 TEXT_OF_SHELL = re.compile(r"#!\s*/(usr/)?bin/(env )?(ba|da)?sh\b")
 PLAIN_NAME = re.compile(r"[A-Za-z0-9_+][A-Za-z0-9_.+-]*")
 
@@ -35,9 +35,23 @@ def first_of_list(node: ast.AST) -> str | None:
     return text_of(node.elts[0]) if isinstance(node, (ast.List, ast.Tuple)) and node.elts else None
 
 
+def call_name(node: ast.Call) -> str:
+    return node.func.attr if isinstance(node.func, ast.Attribute) else getattr(node.func, "id", "")
+
+
+def handing_on(tree: ast.AST) -> set[str]:
+    """Functions such as "def run(*command)" that give their arguments to subprocess as they are."""
+    return {function.name for function in ast.walk(tree)
+            if isinstance(function, ast.FunctionDef) and function.args.vararg
+            for call in ast.walk(function)
+            if isinstance(call, ast.Call) and call_name(call) in TAKING_LISTS and call.args
+            and getattr(call.args[0], "id", "") == function.args.vararg.arg}
+
+
 def programs_of_python(text: str) -> set[str]:
     found = set()
     tree = ast.parse(text)
+    taking_names = TAKING_NAMES | handing_on(tree)
     for node in ast.walk(tree):
         script = text_of(node)
         if script is not None and is_shell_script(script):
@@ -47,11 +61,10 @@ def programs_of_python(text: str) -> set[str]:
             found.add(first_of_list(node) or "")
         if not isinstance(node, ast.Call) or not node.args:
             continue
-        function = node.func
-        name = function.attr if isinstance(function, ast.Attribute) else getattr(function, "id", "")
+        name = call_name(node)
         if name in TAKING_LISTS:
             found.add(first_of_list(node.args[0]) or "")
-        if name in TAKING_NAMES:
+        if name in taking_names:
             found.add(text_of(node.args[0]) or "")
         if name == "link":  # FakePrograms.link
             found |= {text_of(argument) or "" for argument in node.args}
@@ -124,13 +137,11 @@ def installed_path(name: str) -> str | None:
 
 def owner(path: str) -> str | None:
     """The package that brings a file, or what a link of the alternatives leads to; none for a file of no package."""
-    for candidate in (path, str(Path(path).resolve())):
-        # The folders of the root are links into /usr, and a package may know the file by either name.
-        for spelling in (candidate, candidate.removeprefix("/usr"), "/usr" + candidate):
-            lines = [line for line in query("-S", spelling).splitlines() if not line.startswith("diversion")]
-            if lines:
-                return lines[0].split(":")[0].split(",")[0]
-    return None
+    both = (path, str(Path(path).resolve()))
+    # The folders of the root are links into /usr, and a package may know the file by either name.
+    spellings = {spelling for one in both for spelling in (one, one.removeprefix("/usr"), "/usr" + one)}
+    lines = [line for line in query("-S", *sorted(spellings)).splitlines() if not line.startswith("diversion")]
+    return lines[0].split(":")[0].split(",")[0] if lines else None
 
 
 def is_on_every_debian(package: str) -> bool:

@@ -331,7 +331,8 @@ TEXT
         self.assertEqual(programs_of_shell(script), {*numbers, "env", "xargs", "bash", "cat"})
 
     def test_calls_of_python_c_plus_plus_and_cmake_are_found(self) -> None:
-        python = """subprocess.run(["one", "-x"]); run("two"); os.execvpe("three", [], {}); shutil.which("four")
+        python = """def hand_on(*words): return subprocess.run(words)
+subprocess.run(["one", "-x"]); hand_on("two"); os.execvpe("three", [], {}); shutil.which("four")
 words = ["five", "-v"]
 tool.write_text("#!/bin/sh\\nsix | seven\\n")
 subprocess.run([path / "notthis"])"""

@@ -19,9 +19,9 @@ fresh_isolate() {
     local status=0 isolated
     ZUVO_FRESH_ISOLATED=1 unshare --mount --pid --fork --kill-child -- "$0" "$@" </dev/null &
     isolated=$!
-    # Bash waits for nothing in the foreground when a signal comes, so it waits for a job.
-    trap 'kill -KILL "$isolated" 2>/dev/null; wait "$isolated"; exit 130' INT
-    trap 'kill -KILL "$isolated" 2>/dev/null; wait "$isolated"; exit 143' TERM HUP
+    # Bash hears a signal at once while it waits for a job, but not while something runs in the foreground.
+    trap 'kill -KILL "$isolated" || true; wait "$isolated" || true; exit 130' INT
+    trap 'kill -KILL "$isolated" || true; wait "$isolated" || true; exit 143' TERM HUP
     wait "$isolated" || status=$?
     exit "$status"
 }

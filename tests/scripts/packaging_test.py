@@ -15,6 +15,8 @@ import unittest
 import xml.etree.ElementTree
 from pathlib import Path
 
+from fresh_debian_cases import FreshDebianTest  # noqa: F401: unittest runs what it finds here
+
 ROOT = Path(__file__).resolve().parents[2]
 ENTRY = ROOT / "packaging/zuvo-manager.desktop"
 METAINFO = ROOT / "packaging/com.tarnwick.zuvo-manager.metainfo.xml"

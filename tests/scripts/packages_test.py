@@ -1,14 +1,19 @@
-"""What tools/setup/packages.sh does about missing packages, on made-up machines."""
+"""What tools/setup/packages.sh does about missing packages, on made-up machines; and whether the real list has every
+program that the tree calls."""
 
 import os
 import pty
+import re
+import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 from pathlib import Path
 
+import called_programs
 from fake_programs import FakePrograms
+from shell_reader import programs_of_shell
 
 ROOT = Path(__file__).resolve().parents[2]
 
@@ -206,11 +211,139 @@ class PackagesTest(unittest.TestCase):
         self.assertEqual(self.programs.calls("apt-get"), [])
 
     def test_every_line_of_the_real_list_has_a_purpose_a_package_and_a_reason(self) -> None:
-        known = {"domain", "qt", "ui", "media", "tests", "lint", "fuzz", "bench", "package", "coverage"}
+        known = {"domain", "qt", "ui", "media", "tests", "lint", "fuzz", "bench", "package", "coverage", "fresh"}
         for line in (ROOT / "tools/setup/packages.txt").read_text().splitlines():
             if line and not line.startswith("#"):
                 self.assertRegex(line, r"^[a-z]+ +[a-z0-9][a-z0-9+.-]*( \| [a-z0-9][a-z0-9+.-]*)* +# \S")
                 self.assertIn(line.split()[0], known)
+
+
+# Called where it is there, and done without where it is not.
+ELSEWHERE = {
+    "sudo": "an installation without it prints the command to type",
+    "pkexec": "the plugin's password dialog; without it the page says so",
+    "osascript": "macOS",
+    "open": "macOS",
+}
+BUILDING = {"domain", "qt", "ui", "media"}
+# What is installed before the files of a folder, or a file, call anything; the longest name that fits counts.
+PURPOSES = {
+    "run": BUILDING,
+    "test": BUILDING | {"tests", "lint", "fuzz", "package", "coverage"},
+    ".ci": BUILDING | {"tests"},
+    "bench": BUILDING | {"bench"},
+    "benchmarks": BUILDING | {"bench"},
+    "src": BUILDING,
+    "tools": BUILDING,
+    "tools/setup/packages.sh": set(),
+    "packaging": BUILDING,
+    "packaging/debian": {"fresh"},
+    "packaging/debian/Package.cmake": BUILDING,
+    "cmake": {"domain"},
+    "CMakeLists.txt": {"domain"},
+    "tests": BUILDING | {"tests"},
+    "tests/fuzz": BUILDING | {"fuzz"},
+}
+
+
+def listed_packages(purposes: set[str]) -> set[str]:
+    """All alternatives of the rows of these purposes."""
+    found = set()
+    for line in (ROOT / "tools/setup/packages.txt").read_text().splitlines():
+        purpose, _, rest = line.partition("#")[0].partition(" ")
+        if purpose in purposes:
+            found |= set(re.findall(r"[^\s|]+", rest))
+    return found
+
+
+def fault_of(program: str, listed: set[str]) -> str | None:
+    """What is wrong with a call of the program where these packages are listed."""
+    path = called_programs.installed_path(program)
+    name = program.rpartition("/")[2]
+    if path is None:
+        is_known = name in listed or name in ELSEWHERE
+        return None if is_known else f"{program} is not on this machine, and no listed package has its name"
+    package = called_programs.owner(path)
+    if package is None:
+        return f"{path} belongs to no package"
+    if package in listed or name in ELSEWHERE or called_programs.is_on_every_debian(package):
+        return None
+    if listed and called_programs.same_source(package, listed):
+        return None
+    return f"{program} is in the package {package}, which is not listed"
+
+
+@unittest.skipUnless(shutil.which("dpkg-query"), "no dpkg says which package brings a program")
+class CalledProgramsTest(unittest.TestCase):
+    maxDiff = None
+
+    def files_and_purposes(self) -> list[tuple[Path, set[str]]]:
+        found = []
+        for name in PURPOSES:
+            place = ROOT / name
+            files = [place] if place.is_file() else [file for file in place.rglob("*") if file.is_file()]
+            for file in files:
+                relative = file.relative_to(ROOT)
+                best = max((key for key in PURPOSES if relative.is_relative_to(key)), key=len)
+                if best == name:
+                    found.append((file, PURPOSES[name]))
+        return found
+
+    def test_every_program_that_a_file_calls_is_on_every_debian_or_listed_for_it(self) -> None:
+        faults, programs = set(), set()
+        sourced = set()
+        for file in [*ROOT.glob("tools/setup/*.sh"), *ROOT.glob("packaging/debian/*.sh")]:
+            sourced |= set(re.findall(r"^(\w+)\(\) \{", file.read_text(), re.MULTILINE))
+        for file, purposes in self.files_and_purposes():
+            listed = listed_packages(purposes)
+            for program in called_programs.programs_of(file) - sourced:
+                programs.add(program)
+                if fault := fault_of(program, listed):
+                    faults.add(f"{file.relative_to(ROOT)}: {fault}")
+        self.assertEqual(sorted(faults), [])
+        # The reading of the files has not gone blind.
+        self.assertGreaterEqual(programs, {"awk", "cmake", "clang++", "ffmpeg", "git", "groff", "setsid", "sed", "unzip",
+                                           "xmllint", "debootstrap"})
+
+    def test_a_program_that_is_not_listed_is_a_fault(self) -> None:
+        self.assertIn("in the package cmake, which is not listed", fault_of("cmake", {"ninja-build"}))
+        self.assertIn("no listed package", fault_of("no-such-program", {"cmake"}))
+        self.assertIsNone(fault_of("cmake", {"cmake"}))
+        self.assertIsNone(fault_of("sed", set()))
+
+    def test_commands_are_found_wherever_a_shell_script_may_have_them(self) -> None:
+        script = """
+            first --option; VARIABLE=value second | third && ! fourth
+            [[ "$(fifth)" == x ]] && sixth "$(seventh "a ; notthis")" # notthis
+            if eighth; then ninth <(tenth); fi
+            case "$1" in pattern | notthis) eleventh ;; *) : ;; esac
+            env -i NAME=value twelfth | xargs -0 -n 1 thirteenth
+            array=(notthis "$(fourteenth)")
+            bash -c 'set -e; fifteenth'
+            own() { sixteenth; }
+            own 'notthis' 2>notthis
+            cat <<TEXT
+            notthis $(seventeenth)
+TEXT
+        """
+        numbers = """first second third fourth fifth sixth seventh eighth ninth tenth eleventh twelfth thirteenth
+            fourteenth fifteenth sixteenth seventeenth""".split()
+        self.assertEqual(programs_of_shell(script), {*numbers, "env", "xargs", "bash", "cat"})
+
+    def test_calls_of_python_c_plus_plus_and_cmake_are_found(self) -> None:
+        python = """def hand_on(*words): return subprocess.run(words)
+subprocess.run(["one", "-x"]); hand_on("two"); os.execvpe("three", [], {}); shutil.which("four")
+words = ["five", "-v"]
+tool.write_text("#!/bin/sh\\nsix | seven\\n")
+subprocess.run([path / "notthis"])"""
+        self.assertEqual(called_programs.programs_of_python(python),
+                         {"one", "two", "three", "four", "five", "six", "seven"})
+        cpp = """process.start(QStringLiteral("one"), {}); request.program = "/usr/bin/two"; // "/usr/bin/notthis"
+            folder.write("tool", "#!/bin/sh\\nthree | "
+                                 "four\\n"); execlp("five", "five", nullptr);"""
+        self.assertEqual(called_programs.programs_of_cpp(cpp), {"one", "two", "sh", "three", "four", "five"})
+        self.assertEqual(called_programs.programs_of_cmake("find_program(WITH one)\nadd_test(COMMAND two x)"),
+                         {"one", "two"})
 
 
 if __name__ == "__main__":

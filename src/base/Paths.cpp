@@ -36,4 +36,8 @@ std::string_view withoutExtension(std::string_view path) {
     return path.substr(0, path.size() - extension.size() - 1);
 }
 
+bool isAbsolutePath(std::string_view path) {
+    return path.starts_with('/');
+}
+
 } // namespace zuvo

@@ -16,4 +16,7 @@ namespace zuvo {
 /// Slashes at the end of a path with an extension go too. A view into the argument.
 [[nodiscard]] std::string_view withoutExtension(std::string_view path);
 
+/// Whether the path begins with "/". No tool takes such a text for an address or an option.
+[[nodiscard]] bool isAbsolutePath(std::string_view path);
+
 } // namespace zuvo

@@ -70,14 +70,41 @@ std::string trimBytes(std::string_view text, std::string_view bytes) {
     return std::string(text.substr(first, last - first + 1));
 }
 
-/// Length of the control character that starts at `position`, 0 if there is none: C0 and DEL in one byte, C1 in two.
-std::size_t controlLength(std::string_view text, std::size_t position) {
-    const auto byte = static_cast<unsigned char>(text[position]);
-    if ((byte < 0x20 && byte != '\n') || byte == 0x7F)
-        return 1;
-    if (byte == 0xC2 && position + 1 < text.size() && static_cast<unsigned char>(text[position + 1]) < 0xA0)
-        return 2;
-    return 0;
+struct CodePointRange {
+    utf8proc_int32_t first;
+    utf8proc_int32_t last; ///< included
+};
+
+/// What a reader does not see, or sees the effect of elsewhere: see `harmlessText`.
+constexpr std::array<CodePointRange, 7> unseenCharacters = {{{0x00, 0x1F},
+                                                             {0x7F, 0x9F},
+                                                             {0x061C, 0x061C},
+                                                             {0x200E, 0x200F},
+                                                             {0x2028, 0x2029},
+                                                             {0x202A, 0x202E},
+                                                             {0x2066, 0x2069}}};
+
+/// Invalid bytes are read as U+0000, which is among them.
+bool isUnseen(utf8proc_int32_t value) {
+    return std::any_of(unseenCharacters.begin(), unseenCharacters.end(),
+                       [value](const CodePointRange& range) { return value >= range.first && value <= range.last; });
+}
+
+enum class LineEnds { stay, becomeVisible };
+
+std::string withUnseenShown(std::string_view text, LineEnds lineEnds) {
+    std::string shown;
+    shown.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const auto current = codePointAt(text, position);
+        const bool stays = current.value == '\n' && lineEnds == LineEnds::stay;
+        if (isUnseen(current.value) && !stays)
+            shown += "\uFFFD";
+        else
+            shown += text.substr(position, current.bytes);
+        position += current.bytes;
+    }
+    return shown;
 }
 
 } // namespace
@@ -208,17 +235,12 @@ std::string fillPlaceholders(std::string_view text, std::span<const Placeholder>
     return filled;
 }
 
+std::string harmlessText(std::string_view text) {
+    return withUnseenShown(text, LineEnds::becomeVisible);
+}
+
 std::string withoutControlCharacters(std::string_view text) {
-    std::string harmless;
-    for (std::size_t i = 0; i < text.size();) {
-        const auto length = controlLength(text, i);
-        if (length > 0)
-            harmless += "\uFFFD";
-        else
-            harmless += text[i];
-        i += length > 0 ? length : 1;
-    }
-    return harmless;
+    return withUnseenShown(text, LineEnds::stay);
 }
 
 std::string_view pluralS(std::size_t count) {

@@ -59,7 +59,14 @@ struct Placeholder {
 /// transcript in which somebody says "{style}" stays as it is. Of two names that fit at one place the earlier holds.
 [[nodiscard]] std::string fillPlaceholders(std::string_view text, std::span<const Placeholder> placeholders);
 
-/// Foreign text made harmless for a terminal: control characters other than line ends become U+FFFD.
+// Foreign text for a reader. What could move the cursor of a terminal, reorder a line or break it without being seen
+// becomes U+FFFD: C0, DEL and C1 controls, the marks and overrides of writing direction (U+061C, U+200E, U+200F, U+202A
+// to U+202E, U+2066 to U+2069), the separators U+2028 and U+2029, and each byte that belongs to no valid UTF-8.
+
+/// A name or another text that belongs on one line: line ends become U+FFFD too.
+[[nodiscard]] std::string harmlessText(std::string_view text);
+
+/// A text of several lines: its line ends stay.
 [[nodiscard]] std::string withoutControlCharacters(std::string_view text);
 
 /// "" for exactly one, else "s".

@@ -285,7 +285,7 @@ Command parseArguments(const QStringList& words) {
     try {
         return parseCommand(words);
     } catch (const UsageError& error) {
-        return WrongUsage{"zuvo: " + error.message + "\nzuvo --help shows what can be written."};
+        return WrongUsage{"zuvo: " + harmlessText(error.message) + "\nzuvo --help shows what can be written."};
     }
 }
 

@@ -89,7 +89,7 @@ QCoro::Task<ExitStatus> listTimelines(std::shared_ptr<ResolveBridge> bridge, boo
     co_await bridge->getTimelines();
     for (const auto& name : bridge->timelines()) {
         const OrderedJson object = {{"timeline", name}};
-        print(json ? compactText(object).value_or("{}") + "\n" : withoutControlCharacters(name) + "\n");
+        print(json ? compactText(object).value_or("{}") + "\n" : harmlessText(name) + "\n");
     }
     if (bridge->timelines().empty() && !json)
         print("There are no timelines in the open project.\n");
@@ -120,11 +120,11 @@ std::string dateText(double secondsSince1970) {
 
 std::string projectLine(const SavedProject& project) {
     const auto moments = project.results ? project.results->segments.size() : 0;
-    std::string line = dateText(project.createdAt) + "  " + withoutControlCharacters(project.timeline) + "  (" +
+    std::string line = dateText(project.createdAt) + "  " + harmlessText(project.timeline) + "  (" +
                        std::to_string(moments) + " moment" + std::string(pluralS(moments)) + ", target " +
                        plainText(project.targetMinutes) + " min";
     if (project.presetId)
-        line += ", " + withoutControlCharacters(*project.presetId);
+        line += ", " + harmlessText(*project.presetId);
     return line + ")\n";
 }
 
@@ -179,11 +179,11 @@ struct Carrier {
         const auto pipeline = LocalPipeline::create(platform);
         const auto project = newestProject(*pipeline, command.project);
         if (!project)
-            return failWith("there is no project called \"" + command.project + "\"; zuvo projects lists them");
+            return failWith(noSuchProject(command.project));
         pipeline->deleteProject(*project);
         if (newestProject(*pipeline, command.project))
-            return failWith("the project \"" + command.project + "\" could not be removed");
-        print("Removed " + withoutControlCharacters(command.project) + " with its exports.\n");
+            return failWith("the project \"" + harmlessText(command.project) + "\" could not be removed");
+        print("Removed " + harmlessText(command.project) + " with its exports.\n");
         return ExitStatus::complete;
     }
 

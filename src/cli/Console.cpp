@@ -5,6 +5,8 @@
 #include "base/Text.h"
 #include "cli/ReportText.h"
 
+#include <unistd.h>
+
 namespace zuvo {
 
 namespace {
@@ -12,6 +14,10 @@ namespace {
 constexpr const char* resetColour = "\x1b[0m";
 constexpr const char* eraseLine = "\r\x1b[K";
 constexpr double percent = 100.0;
+
+/// What follows a line end within a line of the log. It is set in as far as the text above it, so that no foreign text
+/// can pass for a line of its own, which begins with its time.
+constexpr const char* continuation = "\n      ";
 
 std::string_view colourCode(const std::string& color) {
     if (color == LogColor::accent)
@@ -38,7 +44,7 @@ void Console::showLog(const PipelineLog& line) {
         write(compactText(event).value_or("{}") + "\n");
         return;
     }
-    const auto text = line.timestamp + " " + withoutControlCharacters(line.text);
+    const auto text = line.timestamp + " " + replaceAll(withoutControlCharacters(line.text), "\n", continuation);
     if (m_form == ConsoleForm::plain) {
         write(text + "\n");
         return;
@@ -65,6 +71,18 @@ void Console::showReport(const AuditReport& report) {
     } else {
         write(withoutControlCharacters(reportText(report)));
     }
+}
+
+void Console::showStory(const std::string& brief, const std::string& subtitles) {
+    clearProgress();
+    if (m_form == ConsoleForm::json) {
+        const OrderedJson event = {{"event", "story"}, {"brief", brief}, {"subtitles", subtitles}};
+        write(compactText(event).value_or("{}") + "\n");
+        return;
+    }
+    const auto text = "\n" + brief + "\n" + subtitles;
+    const int file = ::fileno(m_stream);
+    write(file >= 0 && ::isatty(file) == 1 ? withoutControlCharacters(text) : text);
 }
 
 void Console::showEnd(const RunEnd& end) {

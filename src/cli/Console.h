@@ -40,6 +40,9 @@ public:
     void showProgress(double progress, std::string_view stepName, std::string_view stepText);
     /// What an audit came to: readable text, or an event of its own in the JSON form.
     void showReport(const AuditReport& report);
+    /// A story whose files could not be saved: its brief and its subtitles as they would be in their files, or an event
+    /// of its own in the JSON form. On a terminal foreign text is made harmless.
+    void showStory(const std::string& brief, const std::string& subtitles);
     /// The last line of the JSON form; the others show nothing.
     void showEnd(const RunEnd& end);
 

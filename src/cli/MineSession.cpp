@@ -1,6 +1,9 @@
 #include "cli/MineSession.h"
 
+#include "base/Text.h"
 #include "cli/Streams.h"
+#include "steps/ProjectMedia.h"
+#include "steps/ScriptLines.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,6 +26,10 @@ StoryChoices storyChoices(const StyleOptions& style, const std::optional<std::st
 }
 
 } // namespace
+
+std::string noSuchProject(const std::string& name) {
+    return "there is no project called \"" + harmlessText(name) + "\"; zuvo projects lists them";
+}
 
 std::optional<SavedProject> newestProject(const LocalPipeline& pipeline, const std::string& name) {
     auto projects = pipeline.listProjects();
@@ -81,48 +88,107 @@ QCoro::Task<ExitStatus> MineSession::start(Command command) {
 
 QCoro::Task<ExitStatus> MineSession::mine(Command command) {
     if (const auto* files = std::get_if<MineFilesCommand>(&command)) {
+        if (!canBeCalled(displayName(files->files)))
+            co_return end(false);
         auto choices = choicesForFootage(files->style);
         co_await m_pipeline->run(files->files, std::move(choices));
     } else if (const auto* timeline = std::get_if<MineTimelineCommand>(&command)) {
+        if (!canBeCalled(timeline->timeline))
+            co_return end(false);
         auto choices = choicesForFootage(timeline->style);
         co_await m_pipeline->run(timeline->timeline, std::move(choices));
     } else if (const auto* reload = std::get_if<ReloadCommand>(&command)) {
         const auto project = newestProject(*m_pipeline, reload->project);
         if (!project) {
-            tell("zuvo: there is no project called \"" + reload->project + "\"; zuvo projects lists them");
+            tell("zuvo: " + noSuchProject(reload->project));
             co_return end(false);
         }
         if (reload->style.language || reload->style.mode)
             tell("zuvo: --language and --mode have no effect with --reload: the project keeps its own");
+        if (!canBeCalled(project->timeline))
+            co_return end(false);
+        auto used = withAbsoluteMedia(*project);
+        if (!used.refused.empty())
+            tell("zuvo: " + refusedMediaMessage(used.refused));
         auto choices = choicesForProject(reload->style, *project);
-        co_await m_pipeline->runFromProject(*project, std::move(choices));
+        co_await m_pipeline->runFromProject(std::move(used.project), std::move(choices));
     }
-    const bool complete = m_pipeline->step() == PipelineStep::complete;
-    const auto status = end(complete);
-    if (complete)
-        tell("Export folder: " + m_pipeline->lastExportDir().value_or(""));
-    co_return status;
+    if (m_pipeline->step() == PipelineStep::complete)
+        co_return endOfMine();
+    // A run that is interrupted while its timeline is built has its story by then.
+    if (!promisedText(m_pipeline->promisedFiles(), "mining_results.json").empty())
+        (void)checkResults();
+    co_return end(false);
+}
+
+bool MineSession::canBeCalled(const std::string& name) {
+    m_failure = mineNameRefusal(m_pipeline->projectsDir(), name);
+    if (!m_failure.empty())
+        tell("zuvo: " + m_failure);
+    return m_failure.empty();
+}
+
+std::vector<UnsavedFile> MineSession::checkResults() {
+    const auto& promised = m_pipeline->promisedFiles();
+    auto unsaved = unsavedFiles(promised);
+    if (unsaved.empty())
+        return unsaved;
+    m_console.clearProgress();
+    for (const auto& file : unsaved) {
+        tell("zuvo: " + unsavedMessage(file));
+        if (m_pipeline->buildResult() && file.path.ends_with("/segments.json"))
+            tell("zuvo: the timeline in Resolve was built of what that file held before, which may be another story");
+    }
+    m_failure = std::to_string(unsaved.size()) + " file" + std::string(pluralS(unsaved.size())) +
+                " of this mine could not be saved";
+    tell("zuvo: " + m_failure + "; the story follows on standard output");
+    m_console.showStory(promisedText(promised, "story_brief.md"), promisedText(promised, "subtitles.srt"));
+    return unsaved;
+}
+
+ExitStatus MineSession::endOfMine() {
+    const auto unsaved = checkResults();
+    const bool isSaved = unsaved.empty();
+    const auto status = end(isSaved);
+    const auto folder = m_pipeline->lastExportDir().value_or("");
+    const auto liesThere = [&folder](const auto& file) { return file.path.starts_with(folder + "/"); };
+    const auto& promised = m_pipeline->promisedFiles();
+    // A folder that holds nothing of this mine, or does not exist, is not named.
+    if (std::count_if(promised.begin(), promised.end(), liesThere) >
+        std::count_if(unsaved.begin(), unsaved.end(), liesThere))
+        tell("Export folder: " + harmlessText(folder));
+    return isSaved ? status : ExitStatus::failed;
 }
 
 QCoro::Task<ExitStatus> MineSession::audit(AuditCommand command) {
     if (command.minesFirst) {
+        if (!canBeCalled(command.timeline))
+            co_return end(false);
         auto choices = choicesForFootage({});
         co_await m_pipeline->run(command.timeline, std::move(choices));
         // The audit begins anew, so what stopped the mine has to stop it here.
         if (m_interrupted || m_pipeline->step() != PipelineStep::complete)
             co_return end(false);
+        (void)checkResults();
     }
     co_await m_pipeline->auditTimeline(command.timeline);
     const auto& report = m_pipeline->auditReport();
     const bool complete = m_pipeline->step() == PipelineStep::complete && report.has_value();
     if (complete)
         m_console.showReport(*report);
-    co_return end(complete);
+    co_return end(complete && m_failure.empty());
 }
 
 QCoro::Task<ExitStatus> MineSession::build() {
     co_await m_pipeline->buildTimelineFromSegmentsFile();
-    co_return end(m_pipeline->buildResult().value_or("").starts_with("✓"));
+    // The script counts a timeline without any of its moments as a success.
+    const auto result = m_pipeline->buildResult().value_or("");
+    const auto clips = result.starts_with("✓") ? appendedClips(result) : std::nullopt;
+    const auto status = end(clips && clips->areAll());
+    if (clips && !clips->areAll())
+        tell("zuvo: " + std::to_string(clips->appended) + " of " + std::to_string(clips->total) +
+             " moments are on the new timeline; the lines above say which are not");
+    co_return status;
 }
 
 ExitStatus MineSession::end(bool complete) {
@@ -130,7 +196,7 @@ ExitStatus MineSession::end(bool complete) {
     end.step = caseName(m_pipeline->step());
     end.interrupted = m_interrupted && !complete;
     end.exportDir = complete ? m_pipeline->lastExportDir().value_or("") : "";
-    end.errorMessage = m_pipeline->errorMessage().value_or("");
+    end.errorMessage = m_pipeline->errorMessage().value_or(m_failure);
     end.buildResult = m_pipeline->buildResult().value_or("");
     m_console.showEnd(end);
     if (complete)

@@ -30,6 +30,13 @@ private:
     QCoro::Task<ExitStatus> audit(AuditCommand command);
     QCoro::Task<ExitStatus> build();
 
+    /// Whether a mine of that name can be saved at all; if not, says so.
+    [[nodiscard]] bool canBeCalled(const std::string& name);
+    /// Looks whether what the run promises is on the disk. If not, says which and why, and prints the story, so that
+    /// nothing paid for is lost. Gives the files that are not.
+    [[nodiscard]] std::vector<UnsavedFile> checkResults();
+    [[nodiscard]] ExitStatus endOfMine();
+
     /// The last line of the JSON form, and the exit status.
     [[nodiscard]] ExitStatus end(bool complete);
 
@@ -37,10 +44,14 @@ private:
     std::shared_ptr<ProcessRunner> m_processes;
     Console m_console;
     bool m_interrupted = false;
+    std::string m_failure; ///< why the session fails though no stage of the run did; empty if it does not
 };
 
 /// The saved project that a name stands for: the newest of exactly that name.
 [[nodiscard]] std::optional<SavedProject> newestProject(const LocalPipeline& pipeline, const std::string& name);
+
+/// The message for a name without a project.
+[[nodiscard]] std::string noSuchProject(const std::string& name);
 
 /// Minutes, preset and sliders as given, else the project's own.
 [[nodiscard]] StoryChoices choicesForProject(const StyleOptions& style, const SavedProject& project);

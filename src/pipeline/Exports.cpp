@@ -1,7 +1,6 @@
 // The folder of plain files that a run leaves, so that the editor has the story without Resolve.
 
 #include "base/Fields.h"
-#include "base/Files.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
 #include "steps/ExportTexts.h"
@@ -16,15 +15,13 @@ std::string LocalPipeline::saveExports(const std::string& timeline, const Mining
     if (!folderWithin(projectsDir(), timeline))
         return folder;
     createFolders(folder);
-    (void)replaceFileAtomically(folder + "/subtitles.srt", subtitlesText(analysis.segments, wordSegments));
-    (void)replaceFileAtomically(folder + "/transcript.txt", transcriptText(transcript));
-    (void)replaceFileAtomically(folder + "/story_brief.md",
-                                storyBriefText(timeline, analysis, defaultDateText(m_platform.clock())));
+    writePromised(folder + "/subtitles.srt", subtitlesText(analysis.segments, wordSegments));
+    writePromised(folder + "/transcript.txt", transcriptText(transcript));
+    writePromised(folder + "/story_brief.md", storyBriefText(timeline, analysis, defaultDateText(m_platform.clock())));
     const auto newest = folder + "/mining_results.json";
     if (fileExists(newest))
         keepUnderOtherName(newest, folder + "/mining_results_v" + std::to_string(nextMineVersion(folder)) + ".json");
-    if (const auto text = compactText(encodeRecord(analysis)))
-        (void)replaceFileAtomically(newest, *text);
+    writePromised(newest, compactText(encodeRecord(analysis)));
     return folder;
 }
 

@@ -1,5 +1,7 @@
 #include "pipeline/LocalPipeline.h"
 
+#include "base/Files.h"
+
 #include <QTime>
 
 namespace zuvo {
@@ -27,6 +29,7 @@ void LocalPipeline::fail(std::string message) {
 
 void LocalPipeline::beginRun() {
     m_cancelled = false;
+    m_promisedFiles.clear();
     m_startTime = m_platform.clock();
 }
 
@@ -39,7 +42,17 @@ void LocalPipeline::reset() {
     m_errorMessage.reset();
     Q_EMIT errorMessageChanged();
     setLastExportDir(std::nullopt);
+    m_promisedFiles.clear();
     m_cancelled = false;
+}
+
+void LocalPipeline::writePromised(std::string path, std::optional<std::string> text) {
+    PromisedFile promised{std::move(path), std::move(text), std::nullopt, false};
+    promised.before = fileStamp(promised.path);
+    if (promised.text)
+        (void)replaceFileAtomically(promised.path, *promised.text);
+    std::erase_if(m_promisedFiles, [&promised](const PromisedFile& one) { return one.path == promised.path; });
+    m_promisedFiles.push_back(std::move(promised));
 }
 
 void LocalPipeline::setStep(PipelineStep step) {

@@ -9,6 +9,7 @@
 #include "model/Stores.h"
 #include "model/Style.h"
 #include "model/Transcript.h"
+#include "pipeline/ResultsCheck.h"
 #include "platform/Platform.h"
 #include "steps/Energy.h"
 #include "steps/EnergyThresholds.h"
@@ -92,6 +93,10 @@ public:
     [[nodiscard]] const ProbeResults& probeResults() const { return m_probeResults; } ///< by file name
     /// Of the last run that came to a story.
     [[nodiscard]] const std::optional<TranscriptResult>& lastTranscript() const { return m_lastTranscript; }
+
+    /// What the last run has to leave on the disk, for whoever started it to look for (`unsavedFiles`). Emptied by
+    /// `reset` and by the start of a run.
+    [[nodiscard]] const std::vector<PromisedFile>& promisedFiles() const { return m_promisedFiles; }
 
     /// The world that it works in, for the pages that read and write beside it.
     [[nodiscard]] const Platform& platform() const { return m_platform; }
@@ -275,6 +280,9 @@ private:
         std::string annotatedTranscript;
     };
 
+    /// Replaces a file of ours, in silence if it fails, and keeps what it has to hold in `promisedFiles`. Without a
+    /// text nothing is written.
+    void writePromised(std::string path, std::optional<std::string> text);
     void log(std::string text, const char* color = LogColor::muted);
     void fail(std::string message);
     void beginRun();
@@ -342,6 +350,7 @@ private:
     std::optional<AuditReport> m_auditReport;
     ProbeResults m_probeResults;
     std::optional<TranscriptResult> m_lastTranscript;
+    std::vector<PromisedFile> m_promisedFiles;
 
     /// Set by `cancel`, taken back by `reset` and by the start of a run.
     bool m_cancelled = false;

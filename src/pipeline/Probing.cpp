@@ -54,8 +54,7 @@ QCoro::Task<std::optional<ProbeResult>> LocalPipeline::probeMediaFile(std::strin
 
 void LocalPipeline::saveProbeCache() {
     createFolders(m_platform.environment.cacheFolder());
-    if (const auto text = probeCacheText(m_probeResults))
-        (void)replaceFileAtomically(cacheFile(probeCacheName), *text);
+    writePromised(cacheFile(probeCacheName), probeCacheText(m_probeResults));
 }
 
 std::optional<Json> LocalPipeline::readProbeCache() const {

@@ -1,6 +1,5 @@
 // Which source file each moment lies in, and the hand-off of the moments to the timeline build.
 
-#include "base/Files.h"
 #include "base/Paths.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
@@ -40,8 +39,7 @@ void LocalPipeline::writeSegmentsJson(const MiningResults& analysis) {
 void LocalPipeline::writeSegmentsJsonPublic(const std::vector<StorySegment>& segments) {
     // A project told anew may be the first thing to need the folder.
     createFolders(m_platform.environment.cacheFolder());
-    if (const auto text = segmentsFileText(segments))
-        (void)replaceFileAtomically(cacheFile("segments.json"), *text);
+    writePromised(cacheFile("segments.json"), segmentsFileText(segments));
 }
 
 } // namespace zuvo

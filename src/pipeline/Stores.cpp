@@ -125,7 +125,7 @@ void LocalPipeline::saveProject(const std::string& timeline, const TranscriptRes
     project.results = m_results;
     project.presetId = presetId;
     project.targetMinutes = targetMinutes;
-    storeRecord(*folder + "/project.json", project);
+    writePromised(*folder + "/project.json", compactText(encodeRecord(project)));
 }
 
 TranscriptResult LocalPipeline::loadProject(const SavedProject& project) {

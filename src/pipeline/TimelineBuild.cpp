@@ -36,6 +36,9 @@ QCoro::Task<> LocalPipeline::buildTimelineFromSegmentsFile() {
     log("Building timeline in Resolve...");
     const auto script = finalBuildScript(m_platform.environment.resolveScriptLib, name, cacheFile("segments.json"));
     const auto outcome = co_await runBuild(script);
+    // Its script lays its own subtitles over those of an export.
+    for (auto& promised : m_promisedFiles)
+        promised.mayHoldOtherSubtitles = promised.mayHoldOtherSubtitles || promised.path.ends_with("/subtitles.srt");
     if (!outcome.launched) {
         log("✗ Python launch failed: " + outcome.launchFailure, LogColor::accent);
         setBuildResult("✗ Python failed: " + outcome.launchFailure);

@@ -1,6 +1,5 @@
 // The selected moments once more, word by word: timing by line is too coarse for subtitle cards that follow the voice.
 
-#include "base/Files.h"
 #include "base/Numbers.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
@@ -73,8 +72,7 @@ QCoro::Task<std::optional<std::vector<WhisperWord>>> LocalPipeline::transcribeWi
 void LocalPipeline::cacheWordTimestamps(const std::vector<WordSegment>& segments) {
     if (segments.empty())
         return;
-    if (const auto text = wordTimestampsText(segments))
-        (void)replaceFileAtomically(cacheFile("word_timestamps.json"), *text);
+    writePromised(cacheFile("word_timestamps.json"), wordTimestampsText(segments));
 }
 
 } // namespace zuvo

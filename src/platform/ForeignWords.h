@@ -1,14 +1,12 @@
 #pragma once
 
+#include "base/Text.h"
+
 #include <string>
 
 namespace zuvo {
 
-// Words of other programs and names from archives, before a user sees them.
-
-/// The text with each control character and each byte that is no UTF-8 as U+FFFD: the line ends too, which
-/// `withoutControlCharacters` leaves.
-[[nodiscard]] std::string harmlessText(const std::string& text);
+// Words of other programs, before a user sees them. `harmlessText` (base/Text.h) is for names.
 
 /// One line of at most `foreignWordsLimit` characters: white space at both ends dropped, within the text as one blank,
 /// the rest as `harmlessText` makes it.

@@ -1,5 +1,6 @@
 #include "steps/ScriptLines.h"
 
+#include "base/Numbers.h"
 #include "base/Text.h"
 
 #include <algorithm>
@@ -56,6 +57,23 @@ std::optional<std::string> successAnywhere(std::string_view output) {
             return trimWhiteSpace(replaceAll(line, successPrefix, ""));
     }
     return std::nullopt;
+}
+
+std::optional<AppendedClips> appendedClips(std::string_view summary) {
+    constexpr std::string_view ending = " clips appended";
+    if (!summary.ends_with(ending))
+        return std::nullopt;
+    summary.remove_suffix(ending.size());
+    if (const auto blank = summary.rfind(' '); blank != std::string_view::npos)
+        summary.remove_prefix(blank + 1);
+    const auto slash = summary.find('/');
+    if (slash == std::string_view::npos)
+        return std::nullopt;
+    const auto appended = parseInteger(summary.substr(0, slash));
+    const auto total = parseInteger(summary.substr(slash + 1));
+    if (!appended || !total)
+        return std::nullopt;
+    return AppendedClips{*appended, *total};
 }
 
 std::optional<std::vector<std::string>> mediaPathsOf(std::string_view output) {

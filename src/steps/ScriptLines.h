@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,6 +42,18 @@ struct ScriptLine {
 /// The first line that holds "SUCCESS:" anywhere, without that and without white space at its ends; nothing if none
 /// does.
 [[nodiscard]] std::optional<std::string> successAnywhere(std::string_view output);
+
+/// How many moments of how many a build has put on the timeline.
+struct AppendedClips {
+    std::int64_t appended = 0;
+    std::int64_t total = 0;
+
+    [[nodiscard]] bool areAll() const { return appended == total; }
+};
+
+/// The figures of the final build's summary, "{appended}/{total} clips appended", whatever precedes them on the line
+/// ("✓ 2/3 clips appended"). Nothing for any other text.
+[[nodiscard]] std::optional<AppendedClips> appendedClips(std::string_view summary);
 
 /// The paths of a script that prints one a line; nothing if the output begins with "ERROR:" or holds no path. Lines
 /// that begin with "ERROR:" are no paths.

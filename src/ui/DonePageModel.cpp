@@ -1,8 +1,11 @@
 #include "ui/DonePageModel.h"
 
+#include "base/Files.h"
 #include "base/Numbers.h"
 #include "base/Paths.h"
+#include "base/Text.h"
 #include "exporters/MediaList.h"
+#include "platform/FileSystem.h"
 #include "steps/Probing.h"
 
 #include <QDateTime>
@@ -61,8 +64,9 @@ constexpr std::array ratingRows = {
     RatingRow{"hand.thumbsdown", "hand.thumbsdown.fill", "Needs work", 0},
 };
 
+/// Names and messages of others are among what is shown.
 QString shown(const std::string& text) {
-    return QString::fromStdString(text);
+    return QString::fromStdString(harmlessText(text));
 }
 
 template <std::size_t count, class Row>
@@ -83,6 +87,16 @@ QStringList chaptersOf(const Act& act, const std::unordered_map<std::int64_t, co
             chapters.append(chapter);
     }
     return chapters;
+}
+
+constexpr const char* newestStory = "mining_results.json";
+
+/// Whether that version holds what the file of the newest story holds.
+bool isCopyOfNewest(const LocalPipeline& pipeline, const MineVersion& version) {
+    const auto folder = pipeline.lastExportDir().value_or("") + "/";
+    const auto newest = folder + newestStory;
+    const auto copy = folder + "mining_results_v" + std::to_string(version.version) + ".json";
+    return fileSize(newest) == fileSize(copy) && readFile(newest) == readFile(copy);
 }
 
 QString dateText(double secondsSince1970) {
@@ -315,13 +329,17 @@ void DonePageModel::setBuildState(bool isBuilding, const QString& status) {
 void DonePageModel::takeVersions() {
     m_versions.clear();
     if (!m_flow.isNull()) {
-        const auto found = m_flow->pipeline()->listMineVersions();
+        const bool isStorySaved = !m_flow->isUnsaved(newestStory);
+        auto found = m_flow->pipeline()->listMineVersions();
+        // The old story was put aside for a new one that then could not be written. It is no version of its own.
+        if (!isStorySaved && !found.empty() && isCopyOfNewest(*m_flow->pipeline(), found.back()))
+            found.pop_back();
         for (const auto& version : found)
             m_versions.append(
                 QVariantMap{{QStringLiteral("version"), shown("v" + std::to_string(version.version))},
                             {QStringLiteral("segments"), shown(std::to_string(version.segments) + " segments")},
                             {QStringLiteral("date"), dateText(version.date)},
-                            {QStringLiteral("isCurrent"), &version == &found.back()}});
+                            {QStringLiteral("isCurrent"), isStorySaved && &version == &found.back()}});
     }
     Q_EMIT versionsChanged();
 }
@@ -333,7 +351,12 @@ void DonePageModel::open(const std::string& path) {
 
 void DonePageModel::openExport(int index) {
     const auto* row = rowAt(plainExportRows, index);
-    if (row != nullptr && !m_flow.isNull() && m_flow->pipeline()->lastExportDir())
+    if (row == nullptr || m_flow.isNull() || !m_flow->pipeline()->lastExportDir())
+        return;
+    // An older story's file may still be there.
+    if (m_flow->isUnsaved(row->file))
+        setBuildState(m_isBuilding, shown(std::string("✗ ") + row->file + " of this mine could not be saved"));
+    else
         open(*m_flow->pipeline()->lastExportDir() + "/" + row->file);
 }
 

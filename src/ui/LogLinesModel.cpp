@@ -78,7 +78,10 @@ QString LogLinesModel::plainText(int first, int last) const {
     const int end = std::min(std::max(first, last), m_count - 1);
     for (int row = std::max(std::min(first, last), 0); row <= end; ++row) {
         const auto& line = m_pipeline->logs().at(static_cast<std::size_t>(row));
-        lines.append(QString::fromStdString(line.timestamp) + QLatin1Char(' ') + shownText(line));
+        // Of a line that holds line ends, only the first part may pass for a line of the log.
+        auto text = shownText(line);
+        text.replace(QLatin1Char('\n'), QStringLiteral("\n      "));
+        lines.append(QString::fromStdString(line.timestamp) + QLatin1Char(' ') + text);
     }
     return lines.join(QLatin1Char('\n'));
 }

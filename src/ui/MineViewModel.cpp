@@ -1,7 +1,10 @@
 #include "ui/MineViewModel.h"
 
 #include "base/Paths.h"
+#include "base/Text.h"
+#include "platform/FileSystem.h"
 #include "platform/TopLevelTask.h"
+#include "steps/ProjectMedia.h"
 
 #include <QPointer>
 #include <QVariantMap>
@@ -52,6 +55,23 @@ std::string nameOf(const std::vector<DroppedFile>& files) {
         return "Dropped Files (" + std::to_string(files.size()) + ")";
     const auto name = files.front().filename().toStdString();
     return std::string(withoutExtension(name));
+}
+
+constexpr std::size_t mostShownFiles = 3;
+
+QString listed(const std::vector<UnsavedFile>& unsaved) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < std::min(unsaved.size(), mostShownFiles); ++i)
+        lines.push_back(harmlessText(lastPathComponent(unsaved[i].path)) + ": " + harmlessText(unsaved[i].reason));
+    if (unsaved.size() > mostShownFiles)
+        lines.push_back("and " + std::to_string(unsaved.size() - mostShownFiles) + " more");
+    return QString::fromStdString(join(lines, "\n"));
+}
+
+/// The one file that a build starts from.
+std::vector<PromisedFile> handOffOf(std::vector<PromisedFile> promised) {
+    std::erase_if(promised, [](const PromisedFile& file) { return !file.path.ends_with("/segments.json"); });
+    return promised;
 }
 
 QCoro::Task<> findTimelines(std::shared_ptr<ResolveBridge> bridge) {
@@ -294,11 +314,14 @@ std::function<QCoro::Task<>()> MineViewModel::chosenRun() const {
 
 namespace {
 
+/// What is done with the files that a complete run could not save.
+using OnComplete = std::function<void(std::vector<UnsavedFile>)>;
+
 /// Waits for a run of the flow's pipeline. It holds the pipeline but not the flow, which may be gone when it ends.
-QCoro::Task<> followRun(std::shared_ptr<LocalPipeline> pipeline, QCoro::Task<> run, std::function<void()> onComplete) {
+QCoro::Task<> followRun(std::shared_ptr<LocalPipeline> pipeline, QCoro::Task<> run, OnComplete onComplete) {
     co_await std::move(run);
     if (pipeline->step() == PipelineStep::complete)
-        onComplete();
+        onComplete(unsavedFiles(pipeline->promisedFiles()));
 }
 
 /// In place of a run that was cancelled before it began.
@@ -309,19 +332,69 @@ QCoro::Task<> nothing() {
 } // namespace
 
 QCoro::Task<> MineViewModel::mineAndGoOn(const std::function<QCoro::Task<>()>& begin) {
-    auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount] {
-        if (!flow.isNull() && flow->m_cancelCount == cancelCount)
-            flow->advanceTo(MineStep::review);
+    auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount](std::vector<UnsavedFile> unsaved) {
+        if (flow.isNull() || flow->m_cancelCount != cancelCount)
+            return;
+        flow->reportUnsaved(std::move(unsaved));
+        flow->advanceTo(MineStep::review);
     };
     auto pipeline = m_tools.pipeline;
     auto run = begin(); // what it tells while it begins may end this flow
     return followRun(std::move(pipeline), std::move(run), std::move(goOn));
 }
 
+std::string MineViewModel::chosenName() const {
+    if (m_sourceMode == SourceMode::files)
+        return displayName(pathsOf(m_droppedFiles));
+    if (m_selectedMode == MiningMode::audit)
+        return {};
+    return m_loadedProject ? m_loadedProject->timeline : m_selectedTimeline.value_or("");
+}
+
+void MineViewModel::setNotice(Notice notice) {
+    set(m_notice, std::move(notice), &MineViewModel::noticeChanged);
+}
+
+void MineViewModel::dismissNotice() {
+    m_unsavedStory.clear();
+    setNotice({});
+}
+
+void MineViewModel::reportUnsaved(std::vector<UnsavedFile> unsaved) {
+    m_unsaved = std::move(unsaved);
+    if (m_unsaved.empty())
+        return;
+    m_unsavedStory = m_tools.pipeline->promisedFiles();
+    setNotice({QStringLiteral("This mine could not be saved"), listed(m_unsaved), true});
+}
+
+void MineViewModel::saveCopy(const QUrl& folder) {
+    const auto outcome = saveCopies(m_unsavedStory, folder.toLocalFile().toStdString());
+    if (!outcome.failure.empty()) {
+        setNotice({QStringLiteral("The copy could not be saved"), QString::fromStdString(outcome.failure), true});
+        return;
+    }
+    m_unsavedStory.clear();
+    const auto place = QString::fromStdString(harmlessText(outcome.folder));
+    setNotice({QStringLiteral("Copy saved"), QStringLiteral("The story is in ") + place, false});
+}
+
+bool MineViewModel::isUnsaved(std::string_view fileName) const {
+    return std::any_of(m_unsaved.begin(), m_unsaved.end(),
+                       [fileName](const UnsavedFile& file) { return lastPathComponent(file.path) == fileName; });
+}
+
 void MineViewModel::startMining() {
     auto begin = chosenRun();
     if (!begin)
         return;
+    const auto refusal = mineNameRefusal(m_tools.pipeline->projectsDir(), chosenName());
+    if (!refusal.empty()) {
+        setNotice({QStringLiteral("This mine cannot be saved"), QString::fromStdString(refusal), false});
+        advanceTo(MineStep::setup);
+        return;
+    }
+    m_unsaved.clear();
     startTopLevelTask(this, "that mines", [this, cancelCount = m_cancelCount, begin = std::move(begin)] {
         return m_cancelCount == cancelCount ? mineAndGoOn(begin) : nothing();
     });
@@ -346,12 +419,24 @@ void MineViewModel::sendToResolve(std::vector<StorySegment> segments) {
         edited.segments = segments;
         m_tools.pipeline->setResults(std::move(edited));
         m_tools.pipeline->writeSegmentsJsonPublic(segments);
+        // What an older hand-off holds is another story, and is not built as this one.
+        if (const auto unsaved = unsavedFiles(handOffOf(m_tools.pipeline->promisedFiles())); !unsaved.empty()) {
+            setNotice({QStringLiteral("The story could not be sent to Resolve"), listed(unsaved), false});
+            advanceTo(MineStep::done);
+            return;
+        }
     }
     buildTimeline();
     advanceTo(MineStep::done);
 }
 
-void MineViewModel::loadProject(const SavedProject& project) {
+void MineViewModel::loadProject(const SavedProject& saved) {
+    const auto used = withAbsoluteMedia(saved);
+    const auto& project = used.project;
+    if (!used.refused.empty())
+        setNotice(
+            {QStringLiteral("Media are missing"), QString::fromStdString(refusedMediaMessage(used.refused)), false});
+    m_unsaved.clear();
     setLoadedProject(project);
     setSelectedTimeline(project.timeline);
     setTargetMinutes(project.targetMinutes);
@@ -363,7 +448,8 @@ void MineViewModel::loadProject(const SavedProject& project) {
     }
     m_tools.pipeline->setResults(*project.results);
     m_tools.pipeline->setLastMediaPaths(project.mediaPaths);
-    m_tools.pipeline->setLastExportDir(m_tools.pipeline->projectsDir() + "/" + project.timeline);
+    // A name that leads out of the folder of projects has no folder for exports.
+    m_tools.pipeline->setLastExportDir(folderWithin(m_tools.pipeline->projectsDir(), project.timeline));
     advanceTo(MineStep::review);
 }
 

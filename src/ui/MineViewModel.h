@@ -13,6 +13,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QUrl>
 #include <QVariantList>
 #include <cstdint>
 #include <functional>
@@ -20,6 +21,7 @@
 #include <optional>
 #include <qqmlregistration.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zuvo {
@@ -47,6 +49,9 @@ class MineViewModel final : public QObject {
     Q_PROPERTY(int currentStep READ currentStepNumber NOTIFY currentStepChanged)
     Q_PROPERTY(QString pageName READ pageName NOTIFY pageNameChanged)
     Q_PROPERTY(QVariantList steps READ steps NOTIFY currentStepChanged)
+    Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY noticeChanged)
+    Q_PROPERTY(QString noticeText READ noticeText NOTIFY noticeChanged)
+    Q_PROPERTY(bool canSaveCopy READ canSaveCopy NOTIFY noticeChanged)
     Q_PROPERTY(double estimatedCredits READ estimatedCredits NOTIFY estimatedCreditsChanged)
 public:
     explicit MineViewModel(MineTools tools, QObject* parent = nullptr);
@@ -106,6 +111,19 @@ public:
     /// Whole credits that a mine of this mode and length is thought to cost; it limits nothing.
     [[nodiscard]] double estimatedCredits() const { return m_estimatedCredits; }
 
+    // What the user has to be told at once, whatever page is on screen: results that could not be saved, media that
+    // count as missing, a name that no mine can have. Empty texts if there is nothing.
+
+    [[nodiscard]] const QString& noticeTitle() const { return m_notice.title; }
+    [[nodiscard]] const QString& noticeText() const { return m_notice.text; }
+    /// Whether the notice is of a story that is in memory alone.
+    [[nodiscard]] bool canSaveCopy() const { return m_notice.canSaveCopy; }
+    Q_INVOKABLE void dismissNotice();
+    /// Writes that story into the folder; the notice then says where it is, or why it is not there.
+    Q_INVOKABLE void saveCopy(const QUrl& folder);
+    /// Whether the last mine could not save its file of that name, so that what lies there is another story's.
+    [[nodiscard]] bool isUnsaved(std::string_view fileName) const;
+
     // What the pages show.
 
     [[nodiscard]] const std::shared_ptr<LocalPipeline>& pipeline() const { return m_tools.pipeline; }
@@ -122,7 +140,8 @@ public:
 
     Q_INVOKABLE void setupNext();
     Q_INVOKABLE void startAudit();
-    void loadProject(const SavedProject& project);
+    /// Media whose paths are not absolute count as missing, with a notice.
+    void loadProject(const SavedProject& saved);
     Q_INVOKABLE void styleBack();
     Q_INVOKABLE void styleNext();
     Q_INVOKABLE void processingDone();
@@ -160,8 +179,22 @@ Q_SIGNALS:
     void droppedFilesChanged();
     void sourceModeChanged();
     void estimatedCreditsChanged();
+    void noticeChanged();
 
 private:
+    struct Notice {
+        QString title;
+        QString text;
+        bool canSaveCopy = false;
+
+        bool operator==(const Notice&) const = default;
+    };
+
+    void setNotice(Notice notice);
+    /// After a run that is complete: what it could not save.
+    void reportUnsaved(std::vector<UnsavedFile> unsaved);
+    /// Of the run that the choices ask for; "" for one that saves nothing.
+    [[nodiscard]] std::string chosenName() const;
     [[nodiscard]] QString wantedPageName() const;
     void followPageName();
     void followEstimate();
@@ -198,7 +231,10 @@ private:
     SourceMode m_sourceMode = SourceMode::files;
     QString m_pageName;
     double m_estimatedCredits = 0.0;
-    std::uint64_t m_cancelCount = 0; ///< a run that was cancelled moves the flow no more
+    Notice m_notice;
+    std::vector<UnsavedFile> m_unsaved;       ///< by the last mine of this flow
+    std::vector<PromisedFile> m_unsavedStory; ///< all files of that mine
+    std::uint64_t m_cancelCount = 0;          ///< a run that was cancelled moves the flow no more
 };
 
 } // namespace zuvo

@@ -63,6 +63,11 @@ QString text(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+/// A name of somebody else's making, on one line and with nothing in it that is not seen.
+QString shownName(std::string_view utf8) {
+    return text(harmlessText(utf8));
+}
+
 QString extensionOf(const QUrl& url) {
     return QString::fromStdString(pathExtension(url.path().toStdString())).toLower();
 }
@@ -129,16 +134,17 @@ ListRow rowOf(const DroppedFile& file, const QString& sizeText) {
     }
     const auto id = file.id.toString();
     return {id,
-            {id, file.filename(), SetupPageModel::symbolFor(file.url), file.isProbing, duration, sampleRate, sizeText}};
+            {id, shownName(file.filename().toStdString()), SetupPageModel::symbolFor(file.url), file.isProbing,
+             duration, sampleRate, sizeText}};
 }
 
 ListRow rowOf(const SavedProject& project) {
     const auto count = project.results ? QString::number(project.results->segments.size()) + QStringLiteral(" clips")
                                        : QString::number(project.transcript.size()) + QStringLiteral(" segments");
     return {text(project.id()),
-            {text(project.timeline), project.results.has_value(), count,
+            {shownName(project.timeline), project.results.has_value(), count,
              QString::number(truncated(project.targetMinutes)) + QStringLiteral("m target"),
-             text(project.presetId.value_or(std::string()))}};
+             shownName(project.presetId.value_or(std::string()))}};
 }
 
 } // namespace
@@ -326,7 +332,7 @@ QString SetupPageModel::connectionTitle() const {
 QString SetupPageModel::connectionDetail() const {
     if (m_flow.isNull() || !m_flow->resolveBridge()->projectName())
         return QStringLiteral("DaVinci Resolve not detected");
-    return text(*m_flow->resolveBridge()->projectName());
+    return shownName(*m_flow->resolveBridge()->projectName());
 }
 
 bool SetupPageModel::hasTimelines() const {
@@ -337,7 +343,7 @@ QStringList SetupPageModel::timelineRows() const {
     QStringList rows{QStringLiteral("Select a timeline…")};
     if (!m_flow.isNull()) {
         for (const auto& name : m_flow->resolveBridge()->timelines())
-            rows.append(text(name));
+            rows.append(shownName(name));
     }
     return rows;
 }
@@ -351,7 +357,7 @@ int SetupPageModel::timelineRow() const {
 }
 
 QString SetupPageModel::timelineName() const {
-    return m_flow.isNull() ? QString() : text(m_flow->selectedTimeline().value_or(std::string()));
+    return m_flow.isNull() ? QString() : shownName(m_flow->selectedTimeline().value_or(std::string()));
 }
 
 void SetupPageModel::chooseTimeline(int row) {

@@ -169,13 +169,16 @@ TEST_F(DamagedFilesTest, aFileInThePlaceOfAnyFolderAboveTheCacheFailsTheExtracti
 
 TEST_F(DamagedFilesTest, aFileInThePlaceOfAnyFolderOfTheStoresLosesThatStoreAlone) {
     const auto support = world.home() + "/Library/Application Support";
-    for (const auto& folder : {world.cache("transcripts"), world.cache("chunks"), support, support + "/ZuvoManager",
-                               support + "/ZuvoManager/exports", world.exports("talk")}) {
+    // The first two hold nothing that a mine promises; the others hold the results, which are then not saved.
+    const std::vector<std::pair<std::string, int>> folders = {
+        {world.cache("transcripts"), 0},       {world.cache("chunks"), 0}, {support, 1}, {support + "/ZuvoManager", 1},
+        {support + "/ZuvoManager/exports", 1}, {world.exports("talk"), 1}};
+    for (const auto& [folder, status] : folders) {
         SCOPED_TRACE(folder);
         write(folder, "in the way");
         mine({file});
-        thenItEndsWith(0);
-        thenLogEndsWith({"✓ Complete — we found gems!"});
+        thenItEndsWith(status);
+        thenLogHas({"✓ Complete — we found gems!"});
         EXPECT_EQ(jsonOf(world.cache("segments.json")).size(), 1U);
         // The folder of chunks is the program's own, and made anew by each mine.
         if (folder != world.cache("chunks")) {
@@ -189,8 +192,9 @@ TEST_F(DamagedFilesTest, aFolderInThePlaceOfAnyFileOfTheCacheIsLeftThere) {
     for (const std::string name : {"probe_results.json", "word_timestamps.json", "word_seg_0.wav", "segments.json"}) {
         SCOPED_TRACE(name);
         mineWithAFolderAt(world.cache(name));
-        thenItEndsWith(0);
-        thenLogEndsWith({"✓ Complete — we found gems!"});
+        // A later build would use what such a file held before. A cut-out moment is of no use afterwards.
+        thenItEndsWith(name == "word_seg_0.wav" ? 0 : 1);
+        thenLogHas({"✓ Complete — we found gems!"});
         EXPECT_EQ(jsonOf(world.exports("talk", "mining_results.json")).at("segments").size(), 1U);
         std::filesystem::remove_all(world.home() + "/Library");
     }
@@ -217,7 +221,8 @@ TEST_F(DamagedFilesTest, aFolderInThePlaceOfAnyExportLosesThatFileAlone) {
     for (const auto& name : names) {
         SCOPED_TRACE(name);
         mineWithAFolderAt(world.exports("talk", name));
-        thenItEndsWith(0);
+        thenItEndsWith(1);
+        EXPECT_THAT(ending.errors, HasSubstr(world.exports("talk", name) + " was not saved: "));
         for (const auto& other : names)
             EXPECT_EQ(std::filesystem::is_regular_file(world.exports("talk", other)), other != name) << other;
         for (const auto& [path, bytes] : filesBelow(world.home()))

@@ -4,11 +4,10 @@
 #include "endtoend/InProcess.h"
 #include "endtoend/MineTest.h"
 #include "endtoend/StoredStories.h"
+#include "fakes/FileSizeLimit.h"
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
-#include <sys/resource.h>
 
 namespace zuvo::endtoend {
 namespace {
@@ -16,27 +15,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
-
-/// While it lives, no file of this process grows beyond so many bytes.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(std::size_t bytes) {
-        (void)std::signal(SIGXFSZ, SIG_IGN); // as the programs do
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        auto limited = m_before;
-        limited.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        (void)std::signal(SIGXFSZ, SIG_DFL);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 class FullDiskTest : public MineTest {
 protected:
@@ -69,7 +47,7 @@ protected:
     void mineWithStory(const std::string& story, std::size_t limit) {
         givenStory({{4.5, 11.5, story}});
         inProcess.forgetTranscripts();
-        const FileSizeLimit full(limit);
+        const tests::FileSizeLimit full(limit);
         inProcess.mine({file});
     }
 
@@ -184,7 +162,7 @@ TEST_F(FullDiskTest, toolsThatFindNoRoomFailTheExtractionAndLeaveTheEarlierProje
     InProcess limited(world);
     limited.forgetTranscripts();
     {
-        const FileSizeLimit full(50'000);
+        const tests::FileSizeLimit full(50'000);
         limited.mine({file});
     }
     EXPECT_EQ(limited.step(), PipelineStep::error);

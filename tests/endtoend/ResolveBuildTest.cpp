@@ -99,13 +99,25 @@ TEST_F(ResolveBuildTest, withoutAProjectTheScriptEndsBeforeAWord) {
     thenLogHas({"✗ Python returned no output"});
 }
 
-TEST_F(ResolveBuildTest, aMediaPoolThatHoldsNoneOfTheFilesMakesAnEmptyTimeline) {
+TEST_F(ResolveBuildTest, anEmptyTimelineForAMediaPoolThatHoldsNoneOfTheFilesIsAFailure) {
     world.givenResolve(resolveWith("Talk", {clipOf("/other/short.wav", "00:00:30:00")}));
     givenTwoMoments();
     build();
-    thenItEndsWith(0);
+    thenItEndsWith(1);
     EXPECT_THAT(ending.output, HasSubstr("  SKIP seg 0: no matching clip for t=1.0s clip=talk.wav"));
     thenLogEndsWith({"  ✓ 0/2 clips appended"});
+    EXPECT_EQ(ending.errors, "zuvo: 0 of 2 moments are on the new timeline; the lines above say which are not\n");
+}
+
+TEST_F(ResolveBuildTest, aMomentThatResolveDoesNotTakeIsAFailure) {
+    auto resolve = resolveWith("Talk", {clipOf(path, "00:02:00:00")});
+    resolve["failures"] = Json::array({{{"method", "AppendToTimeline"}, {"call", 2}, {"gives", nullptr}}});
+    world.givenResolve(resolve);
+    givenTwoMoments();
+    ending = world.zuvo({"build", "--json"});
+    thenItEndsWith(1);
+    EXPECT_EQ(Json::parse(linesOf(ending.output).back()).at("buildResult"), "✓ 1/2 clips appended");
+    EXPECT_EQ(ending.errors, "zuvo: 1 of 2 moments are on the new timeline; the lines above say which are not\n");
 }
 
 TEST_F(ResolveBuildTest, aNameThatIsTakenTwiceSaysWhatToDelete) {

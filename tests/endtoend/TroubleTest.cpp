@@ -190,6 +190,38 @@ std::map<std::string, TroubleTest::Story> TroubleTest::stories() {
              test.givenFullDiskAt(test.world.cache("extracted_audio.wav"));
              test.mineFile();
          }},
+        {"the results cannot be saved, as on a full disk",
+         [](TroubleTest& test) {
+             test.world.folder.write("home/Library/Application Support", "in the way");
+             test.values["path"] = test.world.exports("talk", "story_brief.md");
+             test.values["reason"] = "there is no such file (Not a directory)";
+             test.mineFile();
+         }},
+        {"the name of a mine would lead out of the folder of projects",
+         [](TroubleTest& test) {
+             test.run({"mine", "...mov"});
+         }},
+        {"a project names its media by paths that are not absolute",
+         [](TroubleTest& test) {
+             Json project = {{"timeline", "talk"}, {"createdAt", 1.0}, {"language", "en"}, {"targetMinutes", 5.0}};
+             project["mediaPaths"] = Json::array({"footage/talk.wav"});
+             project["transcript"] = Json::array();
+             test.world.folder.write("home/Library/Application Support/ZuvoManager/exports/talk/project.json",
+                                     project.dump());
+             test.values["path"] = "footage/talk.wav";
+             test.givenStatus(Service::messages, 529);
+             test.run({"mine", "--reload", "talk"});
+         }},
+        {"Resolve has not all of the footage",
+         [](TroubleTest& test) {
+             test.world.givenResolve(resolveWith("Talk", {clipOf("/other/short.wav", "00:00:30:00")}));
+             test.world.folder.write("home/Library/Caches/ZuvoManager/segments.json",
+                                     R"([{"index": 0, "startTime": 1.0, "endTime": 3.0, "sourceClip": "talk.wav",
+                                          "transcript": "a", "translation": "Words.", "chapter": null}])");
+             test.values["n"] = "0";
+             test.values["total"] = "1";
+             test.run({"build"});
+         }},
         {"the file is not there, or no footage",
          [](TroubleTest& test) {
              test.file = test.world.folder.write("media/talk.wav", "not a sound");

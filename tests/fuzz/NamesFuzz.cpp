@@ -30,4 +30,7 @@ ZUVO_FUZZ_TARGET {
             fuzzing::require(next >= *version && one.starts_with("mining_results_v") && one.ends_with(".json"));
     }
     fuzzing::require(withoutControlCharacters(text).find('\x1b') == std::string::npos);
+    const auto shown = harmlessText(name);
+    fuzzing::require(isValidUtf8(shown) && shown.find_first_of("\n\x1b") == std::string::npos);
+    fuzzing::require(harmlessText(shown) == shown);
 }

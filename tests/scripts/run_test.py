@@ -185,6 +185,16 @@ class RunTest(unittest.TestCase):
         self.assertNotIn("Story Brief", run.stdout)
         self.assert_standin_is_gone()
 
+    def test_a_standin_that_is_slow_to_open_its_output_is_waited_for_silently(self) -> None:
+        # On a busy machine the new process opens its output later than the script first looks there.
+        slow_start = self.folder / "slow-start"
+        slow_start.write_text("shopt -s expand_aliases\nalias setsid='sleep 0.5 && exec setsid'\n")
+        run = self.run_it(BASH_ENV=str(slow_start))
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(run.stderr, "")
+        self.assertIn("standin=alive", self.zuvo_call())
+        self.assert_standin_is_gone()
+
     def test_a_standin_that_does_not_start_is_a_failure_with_its_reason(self) -> None:
         self.say("standin-fails", "")
         run = self.run_it()

@@ -3,7 +3,8 @@ import QtQuick.Controls.Basic as Controls
 import QtQuick.Templates as T
 import Zuvo
 
-/// Asks before something that cannot be taken back. Escape keeps things as they are; Return presses the button that the
+/// Asks before something that cannot be taken back, or gives a notice (`isDestructive` false, and no text to proceed by
+/// where there is nothing to do). Escape keeps things as they are; Return presses the button that the
 /// keyboard is on, which is the safe one at first.
 Controls.Popup {
     id: alert
@@ -12,6 +13,7 @@ Controls.Popup {
     property string message: ""
     property string keepText: "Cancel"
     property string proceedText: ""
+    property bool isDestructive: true
 
     signal kept()
     signal proceeded()
@@ -102,7 +104,7 @@ Controls.Popup {
             SecondaryButtonStyle {
                 id: keepButton
                 objectName: "keepButton"
-                width: (parent.width - parent.spacing) / 2
+                width: proceedButton.visible ? (parent.width - parent.spacing) / 2 : parent.width
                 implicitHeight: 40
                 leftPadding: 8
                 rightPadding: 8
@@ -112,8 +114,11 @@ Controls.Popup {
             }
             // Filled, so that nobody takes it for the harmless one.
             DestructiveButtonStyle {
+                id: proceedButton
                 objectName: "proceedButton"
-                fill: down ? Qt.darker(Theme.error, 1.15) : Theme.error
+                readonly property color ground: alert.isDestructive ? Theme.error : Theme.accent
+                visible: alert.proceedText !== ""
+                fill: down ? Qt.darker(ground, 1.15) : ground
                 textColor: "white"
                 textWeight: Font.DemiBold
                 width: (parent.width - parent.spacing) / 2

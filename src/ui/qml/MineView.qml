@@ -27,5 +27,17 @@ FocusScope {
         focus: true
         flow: view.model
     }
+    // By name, since a start without a notice has no use for dialogs.
+    Loader {
+        id: noticeLoader
+        objectName: "noticeLoader"
+        readonly property bool isWanted: view.model.noticeText !== ""
+        onIsWantedChanged: {
+            if (isWanted)
+                setSource("NoticeAlert.qml", { "flow": view.model });
+            else
+                source = "";
+        }
+    }
     Component.onCompleted: model.show()
 }

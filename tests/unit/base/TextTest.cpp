@@ -170,11 +170,45 @@ TEST(Text, controlCharactersAreReplacedForATerminal) {
     EXPECT_EQ(withoutControlCharacters("a\x1b[31m\a\r\tb\x7F"), "a\uFFFD[31m\uFFFD\uFFFD\uFFFDb\uFFFD");
     EXPECT_EQ(withoutControlCharacters("\u0080\u009B\u009F"), "\uFFFD\uFFFD\uFFFD") << "the second set too";
     EXPECT_EQ(withoutControlCharacters(std::string_view("\0", 1)), "\uFFFD");
+    EXPECT_EQ(withoutControlCharacters("a\nb\n"), "a\nb\n");
 }
 
-TEST(Text, lineEndsAndAllTextWithoutControlCharactersStay) {
-    for (const std::string text : {"", "a\nb\n", "é 東京 🔊 — “x”", "\u00A0\u00A9", "\xC2"})
-        EXPECT_EQ(withoutControlCharacters(text), text);
+TEST(Text, aNameStaysOnItsLine) {
+    EXPECT_EQ(harmlessText("a\nb\x1B[0m\r\n"), "a\uFFFDb\uFFFD[0m\uFFFD\uFFFD");
+    EXPECT_EQ(harmlessText("a\u2028b\u2029c\u0085d"), "a\uFFFDb\uFFFDc\uFFFDd");
+}
+
+TEST(Text, whatReordersALineIsShown) {
+    // "evil\u202Egpj.wav" would be read as "evilvaw.jpg".
+    EXPECT_EQ(harmlessText("evil\u202Egpj.wav"), "evil\uFFFDgpj.wav");
+    for (const char* mark : {"\u061C", "\u200E", "\u200F", "\u202A", "\u202B", "\u202C", "\u202D", "\u202E", "\u2066",
+                             "\u2067", "\u2068", "\u2069"}) {
+        EXPECT_EQ(harmlessText(mark), "\uFFFD");
+        EXPECT_EQ(withoutControlCharacters(std::string("a") + mark + "\n"), "a\uFFFD\n");
+    }
+}
+
+TEST(Text, theNeighboursOfWhatIsShownStay) {
+    for (const std::string text : {"\u00A0", "\u061B\u061D", "\u200D\u2010", "\u2027\u202F", "\u2065\u206A"})
+        EXPECT_EQ(harmlessText(text), text);
+}
+
+TEST(Text, eachByteThatIsNoTextIsShown) {
+    EXPECT_EQ(harmlessText("\xFF"), "\uFFFD");
+    EXPECT_EQ(harmlessText("a\xC2"), "a\uFFFD");
+    EXPECT_EQ(harmlessText("a\xC2\x9B"
+                           "b"),
+              "a\uFFFDb")
+        << "U+009B, which terminals take for an escape";
+    EXPECT_EQ(withoutControlCharacters("\xED\xA0\x80\n"), "\uFFFD\uFFFD\uFFFD\n") << "a surrogate";
+}
+
+TEST(Text, ordinaryTextStaysAsItIs) {
+    for (const std::string text :
+         {"", "é 東京 🔊 — “x”", "\u00A0\u00A9", "naïve 日本 👩‍🚀 ", "עברית العربية"}) {
+        EXPECT_EQ(harmlessText(text), text);
+        EXPECT_EQ(withoutControlCharacters(text + "\n"), text + "\n");
+    }
 }
 
 } // namespace

@@ -53,6 +53,12 @@ TEST(Console, thePlainFormIsTheTimeABlankAndTheText) {
               "07:42   → a b.wav\n07:42 ✓ Complete — we found gems!\n");
 }
 
+TEST(Console, aLineEndWithinALineOfTheLogMakesNoLineOfItsOwn) {
+    EXPECT_EQ(written(ConsoleForm::plain,
+                      [](Console& console) { console.showLog(line("  → a\n07:42 ✓ Complete\u202E.wav")); }),
+              "07:42   → a\n      07:42 ✓ Complete\uFFFD.wav\n");
+}
+
 TEST(Console, theTerminalFormKeepsOneLineOfProgressUnderTheLog) {
     EXPECT_EQ(written(ConsoleForm::terminal,
                       [](Console& console) {

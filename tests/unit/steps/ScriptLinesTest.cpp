@@ -65,6 +65,30 @@ TEST(ScriptLines, theFirstLineThatHoldsSuccessAnywhereIsTheSummary) {
     EXPECT_EQ(successAnywhere(""), std::nullopt);
 }
 
+TEST(ScriptLines, theSummaryOfABuildSaysHowManyMomentsItAppended) {
+    struct Case {
+        const char* summary;
+        std::int64_t appended;
+        std::int64_t total;
+        bool areAll;
+    };
+    for (const auto& one : {Case{"✓ 3/3 clips appended", 3, 3, true}, Case{"2/3 clips appended", 2, 3, false},
+                            Case{"✓ 0/12 clips appended", 0, 12, false}, Case{"✓ 0/0 clips appended", 0, 0, true}}) {
+        const auto clips = appendedClips(one.summary);
+        ASSERT_TRUE(clips.has_value()) << one.summary;
+        EXPECT_EQ(clips->appended, one.appended) << one.summary;
+        EXPECT_EQ(clips->total, one.total) << one.summary;
+        EXPECT_EQ(clips->areAll(), one.areAll) << one.summary;
+    }
+}
+
+TEST(ScriptLines, aSummaryOfAnotherFormSaysNothingOfMoments) {
+    for (const auto* summary :
+         {"", "✓ done", "3 clips appended, 0 failed", "✓ 3 clips appended", "✓ a/3 clips appended",
+          "✓ 3/ clips appended", "✓ 3/3 clips appended or so", " clips appended"})
+        EXPECT_FALSE(appendedClips(summary).has_value()) << summary;
+}
+
 TEST(ScriptLines, mediaPathsComeOneALine) {
     EXPECT_THAT(mediaPathsOf("/a/b c.wav\n/d.wav \n\n").value_or(std::vector<std::string>{}),
                 ElementsAre("/a/b c.wav", "/d.wav"));

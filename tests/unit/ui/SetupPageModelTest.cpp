@@ -359,3 +359,15 @@ TEST_F(SetupPage, theModesAreShownWithTheirColours) {
               QStringLiteral("Existing timeline → Compare to transcript → Find buried gold"));
     EXPECT_EQ(audit.value(QStringLiteral("color")).toString(), QStringLiteral("gemAmethyst"));
 }
+
+TEST_F(SetupPage, namesWithCharactersThatAreNotSeenAreShownWithThem) {
+    page.handleDrop({url(givenFile("evil\u202Egpj.wav", "200.0"))});
+    EXPECT_THAT(names(), ElementsAre("evil\uFFFDgpj.wav"));
+    givenSaved("cut\n2\u2066");
+    flow->listProjects();
+    EXPECT_THAT(shown(*page.recentMines(), "name"), ElementsAre("cut\uFFFD2\uFFFD"));
+    flow->setSelectedTimeline("cut\x1b 3");
+    EXPECT_EQ(page.timelineName(), QStringLiteral("cut\uFFFD 3"));
+    EXPECT_EQ(flow->selectedTimeline(), "cut\x1b 3") << "Resolve is asked by the name as it is";
+    probed();
+}

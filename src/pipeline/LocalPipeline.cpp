@@ -1,5 +1,7 @@
 #include "pipeline/LocalPipeline.h"
 
+#include "platform/FileSystem.h"
+
 #include <QTime>
 
 namespace zuvo {
@@ -83,6 +85,18 @@ void LocalPipeline::setAuditReport(std::optional<AuditReport> report) {
 
 std::string LocalPipeline::cacheFile(const char* name) const {
     return m_platform.environment.cacheFolder() + "/" + name;
+}
+
+void LocalPipeline::makeCacheFolder(const char* name) const {
+    (void)makePrivateFolder(m_platform.environment.cacheFolder(), cacheFile(name));
+}
+
+void LocalPipeline::makeProjectFolder(const std::string& folder) const {
+    const auto data = m_platform.environment.dataFolder();
+    // One that is there may be shared by the user's own choice.
+    if (!fileExists(data))
+        (void)makePrivateFolder(data, data);
+    createFolders(folder);
 }
 
 } // namespace zuvo

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
 
@@ -15,9 +16,6 @@ constexpr double probingStart = 0.02;
 constexpr double probingSpan = 0.03;
 
 constexpr const char* probeCacheName = "probe_results.json";
-
-/// A larger file of ours has been tampered with.
-constexpr std::uint64_t probeCacheLimit = 64ULL * 1024 * 1024;
 
 } // namespace
 
@@ -53,16 +51,13 @@ QCoro::Task<std::optional<ProbeResult>> LocalPipeline::probeMediaFile(std::strin
 }
 
 void LocalPipeline::saveProbeCache() {
-    createFolders(m_platform.environment.cacheFolder());
+    makeCacheFolder();
     if (const auto text = probeCacheText(m_probeResults))
         (void)replaceFileAtomically(cacheFile(probeCacheName), *text);
 }
 
 std::optional<Json> LocalPipeline::readProbeCache() const {
-    const auto path = cacheFile(probeCacheName);
-    if (fileSize(path).value_or(0) > probeCacheLimit)
-        return std::nullopt;
-    const auto text = readFile(path);
+    const auto text = readFile(cacheFile(probeCacheName), FileLimits::probeCache);
     if (!text)
         return std::nullopt;
     return parseForeignJson(*text);

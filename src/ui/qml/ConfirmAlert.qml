@@ -12,6 +12,8 @@ Controls.Popup {
     property string message: ""
     property string keepText: "Cancel"
     property string proceedText: ""
+    /// Whether proceeding loses something; its button then warns.
+    property bool isDestructive: true
 
     signal kept()
     signal proceeded()
@@ -110,10 +112,11 @@ Controls.Popup {
                 text: alert.keepText
                 onClicked: alert.close()
             }
-            // Filled, so that nobody takes it for the harmless one.
+            // Filled, so that nobody takes it for the harmless one where it is not.
             DestructiveButtonStyle {
                 objectName: "proceedButton"
-                fill: down ? Qt.darker(Theme.error, 1.15) : Theme.error
+                readonly property color ground: alert.isDestructive ? Theme.error : Theme.accent
+                fill: down ? Qt.darker(ground, 1.15) : ground
                 textColor: "white"
                 textWeight: Font.DemiBold
                 width: (parent.width - parent.spacing) / 2

@@ -18,10 +18,21 @@ FocusScope {
         // The step that is gone back to takes the keyboard no longer: the page does.
         onChosen: pageStack.forceActiveFocus()
     }
+    /// Asks whether to wait for another program's mine, and shows that it is waited for. Seldom needed, so it costs the
+    /// start nothing.
+    Loader {
+        id: otherMine
+        y: stepIndicator.height
+        width: parent.width
+        height: item ? item.implicitHeight : 0
+        active: view.model.otherMine !== ""
+        source: "OtherMineNotice.qml"
+        onLoaded: item.flow = view.model
+    }
     PageStack {
         id: pageStack
         objectName: "pageStack"
-        y: stepIndicator.height
+        y: stepIndicator.height + otherMine.height
         width: parent.width
         height: parent.height - y
         focus: true

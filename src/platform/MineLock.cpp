@@ -90,11 +90,8 @@ MineLock::MineLock(const Environment& environment) {
     }
     const auto folder = environment.cacheFolder();
     const auto path = folder + "/" + fileName;
-    const auto noLock = [&path](const std::error_code& error) {
-        return "No lock could be made at " + path + " (" + error.message() + ")";
-    };
-    if (const auto error = makePrivateFolder(folder, folder)) {
-        m_refusal = noLock(error);
+    if (makePrivateFolder(folder, folder)) {
+        m_hasNothingToProtect = true;
         return;
     }
     m_file = openLocked(path);
@@ -105,11 +102,12 @@ MineLock::MineLock(const Environment& environment) {
     }
     const std::error_code error(errno, std::generic_category());
     m_isTaken = error == std::errc::operation_would_block;
-    m_refusal = m_isTaken ? "Another mine is running" + holderIn(path) : noLock(error);
+    m_refusal = m_isTaken ? "Another mine is running" + holderIn(path)
+                          : "No lock could be made at " + path + " (" + error.message() + ")";
 }
 
 MineLock::~MineLock() {
-    if (!isHeld())
+    if (m_file < 0)
         return;
     static_cast<void>(::ftruncate(m_file, 0));
     ::close(m_file);

@@ -16,7 +16,8 @@ public:
     static constexpr const char* fileName = "mine.lock";
 
     /// Takes the lock if nobody has it; never waits. Makes the cache folder and the folder for temporary files, without
-    /// which no mine can run. Whoever takes the lock removes what killed runs have left.
+    /// which no mine can run. Whoever takes the lock removes what killed runs have left. Where the cache folder cannot
+    /// be made there is nothing to protect: the lock counts as held, and a mine ends in a failure of its own.
     explicit MineLock(const Environment& environment);
     ~MineLock();
     MineLock(const MineLock&) = delete;
@@ -26,7 +27,7 @@ public:
     /// Never null. One program may mine several times at once.
     [[nodiscard]] static std::shared_ptr<MineLock> ofThisProgram(const Environment& environment);
 
-    [[nodiscard]] bool isHeld() const { return m_file >= 0; }
+    [[nodiscard]] bool isHeld() const { return m_file >= 0 || m_hasNothingToProtect; }
 
     /// Why it is not held, for the user: "Another mine is running (zuvo, process 4711)", or what else is wrong. No full
     /// stop at its end. Empty if it is held.
@@ -37,6 +38,7 @@ public:
 
 private:
     int m_file = -1; ///< the lock belongs to this open file
+    bool m_hasNothingToProtect = false;
     bool m_isTaken = false;
     std::string m_refusal;
 };

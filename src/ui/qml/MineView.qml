@@ -24,10 +24,16 @@ FocusScope {
         id: otherMine
         y: stepIndicator.height
         width: parent.width
-        height: item ? item.implicitHeight : 0
-        active: view.model.otherMine !== ""
-        source: "OtherMineNotice.qml"
-        onLoaded: item.flow = view.model
+        height: implicitHeight
+    }
+    Connections {
+        target: view.model
+        function onOtherMineChanged() {
+            if (view.model.otherMine === "")
+                otherMine.source = "";
+            else if (otherMine.status === Loader.Null)
+                otherMine.setSource("OtherMineNotice.qml", { "flow": view.model });
+        }
     }
     PageStack {
         id: pageStack

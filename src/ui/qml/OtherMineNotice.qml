@@ -7,9 +7,9 @@ import Zuvo
 Item {
     id: notice
 
-    property MineViewModel flow: null
-    readonly property bool isWaiting: flow !== null && flow.isWaitingForOtherMine
-    readonly property bool isOpenQuestion: flow !== null && flow.otherMine !== "" && !flow.isWaitingForOtherMine
+    required property MineViewModel flow
+    readonly property bool isWaiting: flow.isWaitingForOtherMine
+    readonly property bool isOpenQuestion: flow.otherMine !== "" && !isWaiting
 
     implicitHeight: isWaiting ? 36 : 0
 
@@ -20,7 +20,7 @@ Item {
         Label {
             objectName: "waitText"
             anchors.verticalCenter: parent.verticalCenter
-            text: notice.flow ? notice.flow.otherMine + ". Waiting for it to end." : ""
+            text: notice.flow.otherMine + ". Waiting for it to end."
             textFormat: Text.PlainText
             font: Theme.textFont(12)
             color: Theme.textMuted
@@ -37,7 +37,7 @@ Item {
     ConfirmAlert {
         id: question
         objectName: "otherMineAlert"
-        title: notice.flow ? notice.flow.otherMine : ""
+        title: notice.flow.otherMine
         message: "Wait for it to end? What you asked for then starts by itself."
         keepText: "Not Now"
         proceedText: "Wait"
@@ -46,4 +46,8 @@ Item {
         onProceeded: notice.flow.waitForOtherMine()
     }
     onIsOpenQuestionChanged: isOpenQuestion ? question.open() : question.close()
+    Component.onCompleted: {
+        if (isOpenQuestion)
+            question.open();
+    }
 }

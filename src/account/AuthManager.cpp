@@ -3,6 +3,7 @@
 #include "account/CallbackUrl.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 #include "platform/FileSystem.h"
 #include "platform/TopLevelTask.h"
 
@@ -15,16 +16,10 @@ namespace zuvo {
 
 namespace {
 
-/// A larger file, in bytes, is none of ours.
-constexpr std::uint64_t tokenFileLimit = 16ULL * 1024 * 1024;
-
 constexpr int unauthorized = 401;
 
 std::optional<TokenFile> readTokenFile(const std::string& path) {
-    const auto size = fileSize(path);
-    if (!size || *size > tokenFileLimit)
-        return std::nullopt;
-    const auto text = readTextFile(path);
+    const auto text = readTextFile(path, FileLimits::token);
     return text ? decodeRecordText<TokenFile>(*text).value : std::nullopt;
 }
 
@@ -120,6 +115,9 @@ void AuthManager::loadStoredToken() {
     auto stored = readTokenFile(m_tokenFile);
     if (!stored)
         return;
+    // An earlier version may have left both open to others.
+    makePrivate(m_tokenFile);
+    makePrivate(std::filesystem::path(m_tokenFile).parent_path().string());
     setToken(std::move(stored->token));
     auto state = m_state;
     state.userName = std::move(stored->name).value_or(state.userName);
@@ -129,9 +127,8 @@ void AuthManager::loadStoredToken() {
 }
 
 std::error_code AuthManager::saveToken(const std::string& token, const UserInfo& user) const {
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(m_tokenFile).parent_path(), error);
-    if (error)
+    const auto folder = std::filesystem::path(m_tokenFile).parent_path().string();
+    if (const auto error = makePrivateFolder(folder, folder))
         return error;
     const auto text = compactText(encodeRecord(TokenFile{token, user.email, user.name}));
     if (!text)

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 
 #include <QCoroTimer>
 #include <cerrno>
@@ -31,6 +32,9 @@ std::string readingFailure(const std::string& path) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
         return std::make_error_code(std::errc::is_a_directory).message();
+    const auto size = std::filesystem::file_size(path, ignored);
+    if (!ignored && size > FileLimits::sound)
+        return std::make_error_code(std::errc::file_too_large).message();
     errno = 0;
     std::FILE* file = std::fopen(path.c_str(), "rb");
     const std::error_code error(file == nullptr && errno != 0 ? errno : EIO, std::generic_category());
@@ -167,7 +171,7 @@ QCoro::Task<std::string> CloudProcessor::uploadAudio(std::string filePath, std::
     const auto& addresses = m_client.addresses();
     if (addresses.isRefused())
         throw CloudProcessorError::uploadFailed(addresses.refusal);
-    auto audio = readFile(filePath);
+    auto audio = readFile(filePath, FileLimits::sound);
     if (!audio)
         throw CloudProcessorError::uploadFailed(readingFailure(filePath));
     const auto boundary = m_parts.newUuid();

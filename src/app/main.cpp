@@ -1,8 +1,12 @@
 #include "app/Desktop.h"
 #include "app/Start.h"
 #include "model/Constants.h"
+#include "platform/ChildEnvironment.h"
+#include "platform/CoreDumps.h"
+#include "platform/Interrupts.h"
 #include "platform/SingleInstance.h"
 #include "platform/StandardStreams.h"
+#include "platform/TemporaryFile.h"
 #include "ui/WindowEngine.h"
 #include "ui/ZuvoManagerApp.h"
 
@@ -74,6 +78,8 @@ bool isFirstStart(zuvo::SingleInstance& instance, const std::optional<std::strin
 
 int main(int argc, char** argv) {
     zuvo::withstandBrokenStreams();
+    zuvo::turnOffCoreDumps(zuvo::Inspection::desktopPortals);
+    zuvo::withdrawKeys();
     QGuiApplication application(argc, argv);
     describe(application);
     const auto start = zuvo::parseStartArguments(QGuiApplication::arguments().mid(1));
@@ -89,6 +95,7 @@ int main(int argc, char** argv) {
     if (!isFirstStart(instance, start.url, status))
         return status;
 
+    const auto processes = world.platform.processes;
     zuvo::ZuvoManagerApp app(std::move(world));
     zuvo::WindowEngine engine(app.content());
     if (engine.window() == nullptr)
@@ -105,5 +112,13 @@ int main(int argc, char** argv) {
     if (start.url)
         app.handleCallback(*start.url);
     engine.bringUp();
-    return QGuiApplication::exec();
+    const zuvo::Interrupts interrupts;
+    constexpr int signalBase = 128;
+    QObject::connect(&interrupts, &zuvo::Interrupts::interrupted, &app,
+                     [](int signal) { QGuiApplication::exit(signalBase + signal); });
+    status = QGuiApplication::exec();
+    // A mine that still runs ends here, with nobody left to remove its files.
+    processes->endChildren();
+    zuvo::TemporaryFile::removeAll();
+    return status;
 }

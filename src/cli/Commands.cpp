@@ -4,10 +4,10 @@
 #include "base/Text.h"
 #include "cli/Console.h"
 #include "cli/Export.h"
-#include "cli/Interrupts.h"
 #include "cli/Streams.h"
 #include "model/Constants.h"
 #include "platform/FileSystem.h"
+#include "platform/Interrupts.h"
 #include "platform/MineLock.h"
 #include "platform/ServiceAddresses.h"
 #include "resolve/ResolveBridge.h"
@@ -43,11 +43,15 @@ QCoro::Task<> mineAndQuit(std::shared_ptr<MineSession> session, Command command)
     QCoreApplication::exit(static_cast<int>(status));
 }
 
+std::string lockRefusal(const MineLock& lock) {
+    return lock.isTaken() ? lock.refusal() + ". Wait for it to end, then try again." : lock.refusal();
+}
+
 /// Runs a mine, an audit or a build with its lines on standard output.
 ExitStatus runSession(Command command, bool json, const Platform& platform) {
     const MineLock lock(platform.environment);
     if (!lock.isHeld())
-        return failWith(lock.refusal());
+        return failWith(lockRefusal(lock));
 
     const bool hasNoColor = !platform.environment.variable("NO_COLOR").value_or("").empty();
     const Console console(consoleForm(json, ::isatty(STDOUT_FILENO) == 1, hasNoColor), stdout);
@@ -190,7 +194,7 @@ struct Carrier {
     ExitStatus operator()(const ClearCachesCommand& /*command*/) const {
         const MineLock lock(platform.environment);
         if (!lock.isHeld())
-            return failWith(lock.refusal());
+            return failWith(lockRefusal(lock));
         LocalPipeline::create(platform)->clearCaches();
         print("Caches cleared. Transcripts and audio chunks stay.\n");
         return ExitStatus::complete;

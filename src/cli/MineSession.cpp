@@ -2,10 +2,12 @@
 
 #include "base/Text.h"
 #include "cli/Streams.h"
+#include "platform/TemporaryFile.h"
 #include "steps/ProjectMedia.h"
 #include "steps/ScriptLines.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 
@@ -23,6 +25,28 @@ StoryChoices storyChoices(const StyleOptions& style, const std::optional<std::st
     choices.isMagicMode = style.isMagicMode;
     choices.directorNotes = style.notes;
     return choices;
+}
+
+const char* stoppingLine(int signal) {
+    switch (signal) {
+    case SIGTERM:
+        return "\nAsked to terminate: stopping after the current step. A second request stops at once.";
+    case SIGHUP:
+        return "\nThe terminal is gone: stopping after the current step.";
+    default:
+        return "\nStopping after the current step. Press Ctrl-C again to stop at once.";
+    }
+}
+
+ExitStatus statusAfter(int signal) {
+    switch (signal) {
+    case SIGTERM:
+        return ExitStatus::terminated;
+    case SIGHUP:
+        return ExitStatus::hungUp;
+    default:
+        return ExitStatus::interrupted;
+    }
 }
 
 } // namespace
@@ -167,7 +191,7 @@ QCoro::Task<ExitStatus> MineSession::audit(AuditCommand command) {
         auto choices = choicesForFootage({});
         co_await m_pipeline->run(command.timeline, std::move(choices));
         // The audit begins anew, so what stopped the mine has to stop it here.
-        if (m_interrupted || m_pipeline->step() != PipelineStep::complete)
+        if (m_interruption || m_pipeline->step() != PipelineStep::complete)
             co_return end(false);
         (void)checkResults();
     }
@@ -194,26 +218,29 @@ QCoro::Task<ExitStatus> MineSession::build() {
 ExitStatus MineSession::end(bool complete) {
     RunEnd end;
     end.step = caseName(m_pipeline->step());
-    end.interrupted = m_interrupted && !complete;
+    end.interrupted = m_interruption && !complete;
     end.exportDir = complete ? m_pipeline->lastExportDir().value_or("") : "";
     end.errorMessage = m_pipeline->errorMessage().value_or(m_failure);
     end.buildResult = m_pipeline->buildResult().value_or("");
     m_console.showEnd(end);
     if (complete)
         return ExitStatus::complete;
-    return m_interrupted ? ExitStatus::interrupted : ExitStatus::failed;
+    return m_interruption ? statusAfter(*m_interruption) : ExitStatus::failed;
 }
 
-void MineSession::interrupt() {
-    if (!m_interrupted) {
-        m_interrupted = true;
+void MineSession::interrupt(int signal) {
+    if (!m_interruption) {
+        m_interruption = signal;
         m_pipeline->cancel();
-        tell("\nStopping after the current step. Press Ctrl-C again to stop at once.");
+        tell(stoppingLine(signal));
         return;
     }
+    if (signal == SIGHUP)
+        return;
     m_console.clearProgress();
     m_processes->endChildren();
-    std::_Exit(static_cast<int>(ExitStatus::interrupted));
+    TemporaryFile::removeAll();
+    std::_Exit(static_cast<int>(statusAfter(signal)));
 }
 
 } // namespace zuvo

@@ -21,8 +21,10 @@ public:
     /// Runs the command to its end. Failures are exit statuses; nothing is thrown.
     QCoro::Task<ExitStatus> run(Command command);
 
-    /// The first time asks the run to stop, the second time ends its children and the program at once.
-    void interrupt();
+    /// Asked to end by SIGINT, SIGTERM or SIGHUP: the first time asks the run to stop, the second time ends its
+    /// children and the program at once, with no temporary file left. The end of a terminal is reported more than once
+    /// and never counts as the second time.
+    void interrupt(int signal);
 
 private:
     QCoro::Task<ExitStatus> start(Command command);
@@ -43,7 +45,7 @@ private:
     std::shared_ptr<LocalPipeline> m_pipeline;
     std::shared_ptr<ProcessRunner> m_processes;
     Console m_console;
-    bool m_interrupted = false;
+    std::optional<int> m_interruption; ///< the first signal
     std::string m_failure; ///< why the session fails though no stage of the run did; empty if it does not
 };
 

@@ -114,7 +114,7 @@ std::string EDLExporter::exportText(const std::string& projectName, const std::v
 std::error_code EDLExporter::exportToFile(const std::string& path, const std::string& projectName,
                                           const std::vector<StorySegment>& segments,
                                           const std::vector<MediaFileInfo>& mediaFiles, double fps) {
-    return fileReplacementError(path, exportText(projectName, segments, mediaFiles, fps));
+    return fileReplacementError(path, exportText(projectName, segments, mediaFiles, fps), Readers::asUsual);
 }
 
 } // namespace zuvo

@@ -236,7 +236,7 @@ std::error_code FCPXMLExporter::exportToFile(const std::string& path, const std:
                                              const std::vector<StorySegment>& segments,
                                              const std::vector<MediaFileInfo>& mediaFiles, double fps,
                                              const std::optional<std::vector<Subtitle>>& subtitles) {
-    return fileReplacementError(path, exportText(projectName, segments, mediaFiles, fps, subtitles));
+    return fileReplacementError(path, exportText(projectName, segments, mediaFiles, fps, subtitles), Readers::asUsual);
 }
 
 } // namespace zuvo

@@ -301,7 +301,7 @@ std::string PremiereXMLExporter::exportText(const std::string& projectName, cons
 std::error_code PremiereXMLExporter::exportToFile(const std::string& path, const std::string& projectName,
                                                   const std::vector<StorySegment>& segments,
                                                   const std::vector<MediaFileInfo>& mediaFiles, double fps) {
-    return fileReplacementError(path, exportText(projectName, segments, mediaFiles, fps));
+    return fileReplacementError(path, exportText(projectName, segments, mediaFiles, fps), Readers::asUsual);
 }
 
 } // namespace zuvo

@@ -49,7 +49,7 @@ QCoro::Task<std::optional<std::vector<std::string>>> LocalPipeline::getTimelineM
 
 QCoro::Task<std::optional<std::string>> LocalPipeline::extractAudio(std::vector<std::string> mediaPaths) {
     const auto self = shared_from_this();
-    createFolders(m_platform.environment.cacheFolder());
+    makeCacheFolder();
     const auto output = cacheFile("extracted_audio.wav");
     std::vector<std::string> args = {"-y"};
     if (mediaPaths.size() == 1) {
@@ -61,6 +61,7 @@ QCoro::Task<std::optional<std::string>> LocalPipeline::extractAudio(std::vector<
     }
     appendAudioFormat(args);
     args.push_back(output);
+    makePrivate(output); // one that is there keeps its mode
     const bool extracted = co_await runProcess(m_platform.environment.tools.ffmpeg, std::move(args));
     if (!extracted)
         co_return std::nullopt;
@@ -82,7 +83,7 @@ QCoro::Task<std::vector<std::string>> LocalPipeline::chunkAudio(std::string path
     const auto self = shared_from_this();
     const auto folder = cacheFile("chunks");
     removeTree(folder);
-    createFolders(folder);
+    makeCacheFolder("chunks");
     const std::vector<std::string> whole(1, path);
     const auto seconds = (co_await measuredDuration(path)).value_or(0.0);
     const auto count = roundedUp(seconds / chunkSeconds);

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
+#include "platform/TemporaryFile.h"
 
 #include <array>
 
@@ -32,9 +33,6 @@ QCoro::Task<LocalPipeline::EnergyProfile> LocalPipeline::measureEnergy(Transcrip
     profile.thresholds = energyThresholds(energies);
     log(energyLogLine(profile.thresholds), LogColor::dim);
     profile.annotatedTranscript = annotatedTranscript(transcript.segments, energies, profile.thresholds);
-    log("  Sending " + std::to_string(characterCount(profile.annotatedTranscript)) +
-            " chars to Claude (energy-annotated)...",
-        LogColor::dim);
     co_return profile;
 }
 
@@ -116,17 +114,17 @@ QCoro::Task<std::string> LocalPipeline::detectPrimaryChannel(std::string wavPath
 }
 
 QCoro::Task<Samples> LocalPipeline::extractPCM(std::string wavPath, std::string channelFilter) {
-    const auto folder = m_platform.environment.temporaryFolder();
-    if (!folder)
+    const TemporaryFile raw(m_platform.environment, "zuvo_pcm_" + m_platform.newUuid() + ".raw");
+    if (!raw.isMade())
         co_return Samples();
     const auto filter = channelFilter.empty() ? "aresample=1000" : channelFilter + ",aresample=1000";
-    const auto raw = *folder + "zuvo_pcm_" + m_platform.newUuid() + ".raw";
-    std::vector<std::string> args = {"-y", "-hide_banner", "-nostats", "-i", wavPath, "-af",     filter,      "-ac",
-                                     "1",  "-ar",          "1000",     "-f", "s16le", "-acodec", "pcm_s16le", raw};
+    std::vector<std::string> args = {"-y",    "-hide_banner", "-nostats",  "-i",      wavPath, "-af",
+                                     filter,  "-ac",          "1",         "-ar",     "1000",  "-f",
+                                     "s16le", "-acodec",      "pcm_s16le", raw.path()};
     const bool extracted = co_await runProcess(m_platform.environment.tools.ffmpeg, std::move(args));
-    auto samples = extracted ? readSamples(raw).value_or(Samples()) : Samples();
-    removeTree(raw);
-    co_return samples;
+    if (!extracted)
+        co_return Samples();
+    co_return readSamples(raw.path()).value_or(Samples());
 }
 
 } // namespace zuvo

@@ -14,10 +14,11 @@ std::string LocalPipeline::saveExports(const std::string& timeline, const Mining
     // A name that leads out of the projects' folder is not followed.
     if (!folderWithin(projectsDir(), timeline))
         return folder;
-    createFolders(folder);
-    writePromised(folder + "/subtitles.srt", subtitlesText(analysis.segments, wordSegments));
+    makeProjectFolder(folder);
+    writePromised(folder + "/subtitles.srt", subtitlesText(analysis.segments, wordSegments), Readers::asUsual);
     writePromised(folder + "/transcript.txt", transcriptText(transcript));
-    writePromised(folder + "/story_brief.md", storyBriefText(timeline, analysis, defaultDateText(m_platform.clock())));
+    writePromised(folder + "/story_brief.md", storyBriefText(timeline, analysis, defaultDateText(m_platform.clock())),
+                  Readers::asUsual);
     const auto newest = folder + "/mining_results.json";
     if (fileExists(newest))
         keepUnderOtherName(newest, folder + "/mining_results_v" + std::to_string(nextMineVersion(folder)) + ".json");

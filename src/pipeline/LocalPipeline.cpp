@@ -1,6 +1,7 @@
 #include "pipeline/LocalPipeline.h"
 
 #include "base/Files.h"
+#include "platform/FileSystem.h"
 
 #include <QTime>
 
@@ -46,11 +47,11 @@ void LocalPipeline::reset() {
     m_cancelled = false;
 }
 
-void LocalPipeline::writePromised(std::string path, std::optional<std::string> text) {
-    PromisedFile promised{std::move(path), std::move(text), std::nullopt, false};
+void LocalPipeline::writePromised(std::string path, std::optional<std::string> text, Readers readers) {
+    PromisedFile promised{std::move(path), std::move(text), std::nullopt, false, readers};
     promised.before = fileStamp(promised.path);
     if (promised.text)
-        (void)replaceFileAtomically(promised.path, *promised.text);
+        (void)replaceFileAtomically(promised.path, *promised.text, promised.readers);
     std::erase_if(m_promisedFiles, [&promised](const PromisedFile& one) { return one.path == promised.path; });
     m_promisedFiles.push_back(std::move(promised));
 }
@@ -96,6 +97,18 @@ void LocalPipeline::setAuditReport(std::optional<AuditReport> report) {
 
 std::string LocalPipeline::cacheFile(const char* name) const {
     return m_platform.environment.cacheFolder() + "/" + name;
+}
+
+void LocalPipeline::makeCacheFolder(const char* name) const {
+    (void)makePrivateFolder(m_platform.environment.cacheFolder(), cacheFile(name));
+}
+
+void LocalPipeline::makeProjectFolder(const std::string& folder) const {
+    const auto data = m_platform.environment.dataFolder();
+    // One that is there may be shared by the user's own choice.
+    if (!fileExists(data))
+        (void)makePrivateFolder(data, data);
+    createFolders(folder);
 }
 
 } // namespace zuvo

@@ -282,7 +282,7 @@ private:
 
     /// Replaces a file of ours, in silence if it fails, and keeps what it has to hold in `promisedFiles`. Without a
     /// text nothing is written.
-    void writePromised(std::string path, std::optional<std::string> text);
+    void writePromised(std::string path, std::optional<std::string> text, Readers readers = Readers::ownerAlone);
     void log(std::string text, const char* color = LogColor::muted);
     void fail(std::string message);
     void beginRun();
@@ -335,6 +335,10 @@ private:
     [[nodiscard]] std::optional<std::string> readKeyFromFile(const std::string& service) const;
     [[nodiscard]] std::optional<std::string> readKeyFromZshrc(const std::string& name) const;
     [[nodiscard]] std::string cacheFile(const char* name) const;
+    /// Makes the cache folder, or that folder in it, for this user alone. A failure shows in what is written there.
+    void makeCacheFolder(const char* name = "") const;
+    /// Makes a project's folder; the folder of all data is this user's alone when it is made.
+    void makeProjectFolder(const std::string& folder) const;
 
     Platform m_platform;
     ServiceTimeouts m_timeouts;

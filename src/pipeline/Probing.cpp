@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
 
@@ -15,9 +16,6 @@ constexpr double probingStart = 0.02;
 constexpr double probingSpan = 0.03;
 
 constexpr const char* probeCacheName = "probe_results.json";
-
-/// A larger file of ours has been tampered with.
-constexpr std::uint64_t probeCacheLimit = 64ULL * 1024 * 1024;
 
 } // namespace
 
@@ -53,15 +51,12 @@ QCoro::Task<std::optional<ProbeResult>> LocalPipeline::probeMediaFile(std::strin
 }
 
 void LocalPipeline::saveProbeCache() {
-    createFolders(m_platform.environment.cacheFolder());
+    makeCacheFolder();
     writePromised(cacheFile(probeCacheName), probeCacheText(m_probeResults));
 }
 
 std::optional<Json> LocalPipeline::readProbeCache() const {
-    const auto path = cacheFile(probeCacheName);
-    if (fileSize(path).value_or(0) > probeCacheLimit)
-        return std::nullopt;
-    const auto text = readFile(path);
+    const auto text = readFile(cacheFile(probeCacheName), FileLimits::probeCache);
     if (!text)
         return std::nullopt;
     return parseForeignJson(*text);

@@ -32,7 +32,7 @@ FoundFile foundFile(const PromisedFile& promised) {
     const auto size = fileSize(promised.path).value_or(0);
     const auto expected = promised.text ? promised.text->size() : 0;
     if (found.stamp && (size == expected || (promised.mayHoldOtherSubtitles && size <= mostSubtitleBytes)))
-        found.text = readFile(promised.path);
+        found.text = readFile(promised.path, std::max<std::uint64_t>(expected, mostSubtitleBytes));
     return found;
 }
 
@@ -63,7 +63,7 @@ std::optional<UnsavedFile> unsavedFile(const PromisedFile& promised) {
     if (!promised.text)
         return unsaved;
     createFolders(promised.path.substr(0, promised.path.rfind('/')));
-    if (const auto error = fileReplacementError(promised.path, *promised.text))
+    if (const auto error = fileReplacementError(promised.path, *promised.text, promised.readers))
         unsaved.reason += " (" + error.message() + ")";
     else if (shortfallOf(promised, foundFile(promised)) == Shortfall::none)
         return std::nullopt;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Files.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -33,6 +35,7 @@ struct PromisedFile {
     std::optional<FileStamp> before; ///< what was there before it was written
     /// A build may have laid other subtitles over it: any whole SRT will do.
     bool mayHoldOtherSubtitles = false;
+    Readers readers = Readers::ownerAlone;
 };
 
 /// A promised file as it is on the disk now.

@@ -38,7 +38,7 @@ void LocalPipeline::writeSegmentsJson(const MiningResults& analysis) {
 
 void LocalPipeline::writeSegmentsJsonPublic(const std::vector<StorySegment>& segments) {
     // A project told anew may be the first thing to need the folder.
-    createFolders(m_platform.environment.cacheFolder());
+    makeCacheFolder();
     writePromised(cacheFile("segments.json"), segmentsFileText(segments));
 }
 

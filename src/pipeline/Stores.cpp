@@ -3,8 +3,10 @@
 #include "base/Fields.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
+#include "platform/MineLock.h"
 #include "steps/LegacyChunks.h"
 #include "steps/MineVersions.h"
 
@@ -19,16 +21,11 @@ namespace {
 /// Bits of the hash that make a cache key.
 constexpr std::uint64_t cacheKeyMask = 0x7fffffff;
 
-/// A larger file is none of ours; reading it would only use up memory.
-constexpr std::uint64_t storeFileLimit = 256ULL * 1024 * 1024;
-
-/// Entries of the cache folder that `clearCaches` leaves: what was paid for.
-constexpr std::array<std::string_view, 2> keptCacheEntries = {"transcripts", "chunks"};
+/// Entries of the cache folder that `clearCaches` leaves: what was paid for, and the lock that others may wait for.
+constexpr std::array<std::string_view, 3> keptCacheEntries = {"transcripts", "chunks", MineLock::fileName};
 
 std::optional<std::string> readStoreFile(const std::string& path) {
-    if (fileSize(path).value_or(0) > storeFileLimit)
-        return std::nullopt;
-    return readFile(path);
+    return readFile(path, FileLimits::store);
 }
 
 template <class Record>
@@ -99,14 +96,14 @@ std::optional<TranscriptResult> LocalPipeline::loadLegacyBrindlecotCache(const s
 void LocalPipeline::saveTranscriptCache(const TranscriptResult& transcript,
                                         const std::vector<std::string>& mediaPaths) {
     const auto folder = cacheDir(mediaPaths);
-    createFolders(folder);
+    (void)makePrivateFolder(m_platform.environment.cacheFolder(), folder);
     const CachedTranscript cached{transcript.language, cachedSegments(transcript), mediaPaths,
                                   secondsSince1970(m_platform.clock())};
     storeRecord(folder + "/transcript.json", cached);
 }
 
 std::string LocalPipeline::projectsDir() const {
-    return m_platform.environment.home + "/Library/Application Support/ZuvoManager/exports";
+    return m_platform.environment.dataFolder() + "/exports";
 }
 
 void LocalPipeline::saveProject(const std::string& timeline, const TranscriptResult& transcript,
@@ -115,7 +112,7 @@ void LocalPipeline::saveProject(const std::string& timeline, const TranscriptRes
     const auto folder = folderWithin(projectsDir(), timeline);
     if (!folder)
         return;
-    createFolders(*folder);
+    makeProjectFolder(*folder);
     SavedProject project;
     project.timeline = timeline;
     project.createdAt = secondsSince1970(m_platform.clock());

@@ -33,6 +33,12 @@ QCoro::Task<std::optional<MiningResults>> LocalPipeline::analyzeStory(Transcript
     input.totalDuration = transcript.segments.empty() ? 0.0 : transcript.segments.back().end;
     input.sourceLanguage = language == "auto" ? transcript.language : language;
     const auto profile = co_await measureEnergy(transcript);
+    // The request is paid for: nobody is to pay for a story that they no longer want.
+    if (m_cancelled)
+        co_return std::nullopt;
+    log("  Sending " + std::to_string(characterCount(profile.annotatedTranscript)) +
+            " chars to Claude (energy-annotated)...",
+        LogColor::dim);
     input.thresholds = profile.thresholds;
     input.transcript = profile.annotatedTranscript;
 

@@ -70,6 +70,7 @@ QCoro::Task<ProcessOutcome> LocalPipeline::runBuild(std::optional<std::string> s
     request.workingFolder = scriptWorkingFolder;
     request.keepsOutput = true;
     request.keepsError = true;
+    request.makesPrivateFiles = true; // the cards in the cache folder
     auto outcome = co_await m_platform.processes->run(std::move(request));
     co_return outcome;
 }
@@ -98,7 +99,7 @@ std::string LocalPipeline::readBuildLines(const std::string& output) {
 
 QCoro::Task<bool> LocalPipeline::buildResolveTimeline(std::string name, MiningResults analysis,
                                                       std::vector<std::string> mediaPaths) {
-    createFolders(m_platform.environment.cacheFolder());
+    makeCacheFolder();
     (void)replaceFileAtomically(cacheFile("segments.json"), segmentsText(analysis.segments));
     const auto script =
         firstBuildScript(m_platform.environment.resolveScriptLib, name, cacheFile("segments.json"), mediaPaths);

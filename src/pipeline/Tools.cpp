@@ -2,8 +2,9 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 #include "pipeline/LocalPipeline.h"
-#include "platform/FileSystem.h"
+#include "platform/TemporaryFile.h"
 #include "steps/KeySearch.h"
 
 #include <array>
@@ -21,6 +22,7 @@ QCoro::Task<bool> LocalPipeline::runProcess(std::string path, std::vector<std::s
     ProcessRequest request;
     request.program = std::move(path);
     request.arguments = std::move(args);
+    request.makesPrivateFiles = true;
     const auto outcome = co_await m_platform.processes->run(std::move(request));
     co_return outcome.succeeded;
 }
@@ -35,20 +37,17 @@ QCoro::Task<std::string> LocalPipeline::runProcessOutput(std::string path, std::
 }
 
 QCoro::Task<std::string> LocalPipeline::runProcessStderr(std::string path, std::vector<std::string> args) {
-    const auto folder = m_platform.environment.temporaryFolder();
-    if (!folder)
+    const TemporaryFile file(m_platform.environment, "zuvo_stderr_" + m_platform.newUuid() + ".txt");
+    if (!file.isMade())
         co_return std::string();
     ProcessRequest request;
     request.program = std::move(path);
     request.arguments = std::move(args);
-    request.errorFile = *folder + "zuvo_stderr_" + m_platform.newUuid() + ".txt";
-    const auto file = request.errorFile;
+    request.errorFile = file.path();
     const auto outcome = co_await m_platform.processes->run(std::move(request));
-    // A tool that has run wild may have filled the disk; that does not belong into memory.
-    const bool isReadable = outcome.launched && fileSize(file).value_or(0) <= keptOutputLimit;
-    auto text = isReadable ? readTextFile(file).value_or("") : std::string();
-    removeTree(file);
-    co_return text;
+    if (!outcome.launched)
+        co_return std::string();
+    co_return readTextFile(file.path(), FileLimits::toolOutput).value_or("");
 }
 
 QCoro::Task<std::optional<std::string>> LocalPipeline::runPython(std::string script) {
@@ -89,7 +88,7 @@ std::string LocalPipeline::anthropicKey() const {
 std::optional<std::string> LocalPipeline::readKeyFromFile(const std::string& service) const {
     const auto& home = m_platform.environment.realHomeDir;
     for (const auto& path : {home + "/.config/" + service + "/api_key", home + "/.zuvo/" + service + ".key"}) {
-        const auto text = readTextFile(path);
+        const auto text = readTextFile(path, FileLimits::key);
         if (!text)
             continue;
         if (auto key = keyInKeyFile(*text))
@@ -100,7 +99,7 @@ std::optional<std::string> LocalPipeline::readKeyFromFile(const std::string& ser
 
 std::optional<std::string> LocalPipeline::readKeyFromZshrc(const std::string& name) const {
     for (const auto* file : shellFiles) {
-        const auto text = readTextFile(m_platform.environment.realHomeDir + "/" + file);
+        const auto text = readTextFile(m_platform.environment.realHomeDir + "/" + file, FileLimits::shellStartUp);
         if (!text)
             continue;
         if (auto key = keyInShellFile(*text, name))

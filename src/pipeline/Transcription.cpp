@@ -3,9 +3,12 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "model/FileLimits.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/FileSystem.h"
 #include "platform/ServiceAddresses.h"
+
+#include <algorithm>
 
 namespace zuvo {
 
@@ -30,9 +33,10 @@ QCoro::Task<std::optional<HttpAnswer>> LocalPipeline::postAudio(std::string path
     const auto frame = transcriptionFrame(boundary, granularity, language, lastPathComponent(path));
     HttpRequest request;
     // One copy of ten megabytes of sound is enough.
-    request.body.reserve(frame.head.size() + fileSize(path).value_or(0) + frame.tail.size());
+    request.body.reserve(frame.head.size() + std::min(fileSize(path).value_or(0), FileLimits::sound) +
+                         frame.tail.size());
     request.body.append(frame.head);
-    if (!appendFile(path, request.body))
+    if (!appendFile(path, request.body, FileLimits::sound))
         co_return std::nullopt;
     request.body.append(frame.tail);
 

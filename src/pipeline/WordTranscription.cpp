@@ -51,7 +51,10 @@ QCoro::Task<std::vector<WordSegment>> LocalPipeline::wordLevelTranscribe(MiningR
                                          "-acodec",
                                          "pcm_s16le",
                                          cut};
+        makePrivate(cut); // one that is there keeps its mode
         const bool wasCut = co_await runProcess(m_platform.environment.tools.ffmpeg, std::move(args));
+        if (m_cancelled)
+            break; // before the paid request
         if (!wasCut)
             continue;
         const auto words = co_await transcribeWithWords(cut, language);

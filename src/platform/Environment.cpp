@@ -1,5 +1,6 @@
 #include "platform/Environment.h"
 
+#include "platform/ChildEnvironment.h"
 #include "platform/FileSystem.h"
 
 #include <QCryptographicHash>
@@ -7,7 +8,6 @@
 #include <QString>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -17,13 +17,6 @@
 namespace zuvo {
 
 namespace {
-
-std::optional<std::string> processVariable(const std::string& name) {
-    const char* value = std::getenv(name.c_str());
-    if (value == nullptr)
-        return std::nullopt;
-    return std::string(value);
-}
 
 std::string withoutTrailingSlashes(std::string path) {
     while (path.size() > 1 && path.back() == '/')
@@ -84,9 +77,9 @@ std::string fixedResolveFolder(const std::string& below) {
 
 Environment Environment::ofThisMachine() {
     Environment environment;
-    environment.variable = processVariable;
+    environment.variable = startVariable;
     const auto databaseHome = homeOfUserDatabase();
-    const auto homeVariable = processVariable("HOME").value_or("");
+    const auto homeVariable = startVariable("HOME").value_or("");
     environment.home = homeVariable.empty() ? databaseHome : withoutTrailingSlashes(homeVariable);
     environment.realHomeDir = databaseHome.empty() ? environment.home : databaseHome;
     environment.systemTemporaryFolder = temporaryFolderOfTheSystem();
@@ -119,6 +112,10 @@ std::string Environment::homeHash() const {
 
 std::string Environment::cacheFolder() const {
     return home + "/Library/Caches/ZuvoManager";
+}
+
+std::string Environment::dataFolder() const {
+    return home + "/Library/Application Support/ZuvoManager";
 }
 
 std::string Environment::tokenFile() const {

@@ -33,7 +33,7 @@ struct Environment {
     /// Folder of the module in it by which Python talks to DaVinci Resolve.
     std::string resolveScriptLib;
 
-    /// An environment variable of the program; nothing if it is not set.
+    /// A variable that the program was started with; nothing if it is not set.
     std::function<std::optional<std::string>(const std::string& name)> variable;
 
     /// The machine's answers.
@@ -49,6 +49,9 @@ struct Environment {
 
     /// "{home}/Library/Caches/ZuvoManager"
     [[nodiscard]] std::string cacheFolder() const;
+
+    /// "{home}/Library/Application Support/ZuvoManager": projects with their exports, and what the reviews have kept.
+    [[nodiscard]] std::string dataFolder() const;
 
     /// "{home}/.zuvo/token.json"
     [[nodiscard]] std::string tokenFile() const;

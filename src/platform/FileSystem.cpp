@@ -1,9 +1,11 @@
 #include "platform/FileSystem.h"
 
 #include "base/Files.h"
+#include "model/FileLimits.h"
 
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
@@ -21,6 +23,36 @@ bool createFolders(const std::string& path) {
     std::error_code error;
     fs::create_directories(path, error);
     return fs::is_directory(path, error);
+}
+
+void makePrivate(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0 || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)))
+        return;
+    if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        (void)chmod(path.c_str(), status.st_mode & S_IRWXU);
+}
+
+std::error_code makePrivateFolder(const std::string& root, const std::string& path) {
+    std::error_code error;
+    fs::create_directories(fs::path(root).parent_path(), error);
+    auto folder = fs::path(root);
+    const auto below = fs::path(path).lexically_relative(root);
+    auto next = below.begin();
+    while (true) {
+        // The mode belongs to the making: afterwards there would be a moment in which others could enter.
+        if (mkdir(folder.c_str(), S_IRWXU) != 0) {
+            error = {errno, std::generic_category()};
+            if (!fs::is_directory(folder))
+                return error == std::errc::file_exists ? std::make_error_code(std::errc::not_a_directory) : error;
+            makePrivate(folder.string());
+        }
+        while (next != below.end() && (*next == "." || next->empty()))
+            ++next;
+        if (next == below.end())
+            return {};
+        folder /= *next++;
+    }
 }
 
 std::optional<std::vector<std::string>> listFolder(const std::string& path) {
@@ -46,7 +78,7 @@ bool removeTree(const std::string& path) {
 bool copyFile(const std::string& from, const std::string& to) {
     if (fileExists(to))
         return false;
-    const auto bytes = readFile(from);
+    const auto bytes = readFile(from, FileLimits::store);
     return bytes && replaceFileAtomically(to, *bytes);
 }
 

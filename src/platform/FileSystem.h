@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace zuvo {
@@ -15,6 +16,15 @@ namespace zuvo {
 
 /// Makes the folder with all folders above it. True if it is there afterwards.
 bool createFolders(const std::string& path);
+
+/// Makes the folder `path`, which is `root` or lies below it, for this user alone: what is missing from `root` down
+/// gets mode 0700, and a folder that is there loses what others may do. Folders above `root` are made like any other.
+/// No error if the folder is there afterwards.
+[[nodiscard]] std::error_code makePrivateFolder(const std::string& root, const std::string& path);
+
+/// Takes from others what they may do with a file or folder; what its owner may do stays. Nothing happens to what is
+/// missing, is neither of both, or belongs to another user.
+void makePrivate(const std::string& path);
 
 /// The names in a folder, in the order in which the system lists them; nothing if it cannot be listed.
 [[nodiscard]] std::optional<std::vector<std::string>> listFolder(const std::string& path);

@@ -1,7 +1,8 @@
 #include "platform/Processes.h"
 
+#include "platform/ChildEnvironment.h"
+
 #include <QCoroFuture>
-#include <QProcessEnvironment>
 #include <QPromise>
 #include <QString>
 #include <QStringList>
@@ -11,6 +12,7 @@
 #ifdef Q_OS_LINUX
 #include <sys/prctl.h>
 #endif
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zuvo {
@@ -24,7 +26,7 @@ void configure(QProcess& process, const ProcessRequest& request) {
         arguments.append(QString::fromStdString(argument));
     process.setArguments(arguments);
 
-    auto environment = QProcessEnvironment::systemEnvironment();
+    auto environment = childEnvironment();
     for (const auto& [name, value] : request.variables)
         environment.insert(QString::fromStdString(name), QString::fromStdString(value));
     process.setProcessEnvironment(environment);
@@ -38,7 +40,9 @@ void configure(QProcess& process, const ProcessRequest& request) {
         process.setStandardErrorFile(QString::fromStdString(request.errorFile));
     else if (!request.keepsError)
         process.setStandardErrorFile(QProcess::nullDevice());
-    process.setChildProcessModifier([hasNoTerminal = request.hasNoTerminal] {
+    process.setChildProcessModifier([hasNoTerminal = request.hasNoTerminal, isPrivate = request.makesPrivateFiles] {
+        if (isPrivate)
+            ::umask(S_IRWXG | S_IRWXO);
         // A session of its own is a group of its own too.
         if (hasNoTerminal)
             ::setsid();

@@ -17,7 +17,7 @@ struct ProcessRequest {
     std::string program; ///< absolute path
     std::vector<std::string> arguments;
 
-    /// Variables set on top of the program's own environment.
+    /// Variables set on top of `childEnvironment`.
     std::vector<std::pair<std::string, std::string>> variables;
 
     std::string workingFolder; ///< empty for the program's own
@@ -27,6 +27,9 @@ struct ProcessRequest {
 
     /// File that takes standard error, created or emptied; empty for none.
     std::string errorFile;
+
+    /// Files that the child makes are this user's alone (mode 0600, folders 0700), whatever the user's mask says.
+    bool makesPrivateFiles = false;
 
     /// Cuts the child off from the terminal that this program may have been started from. A child that would ask there
     /// for a password stands still for ever otherwise, since it does not belong to the terminal's foreground.

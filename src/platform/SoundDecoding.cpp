@@ -1,6 +1,7 @@
 #include "platform/SoundDecoding.h"
 
 #include "base/Numbers.h"
+#include "platform/ChildEnvironment.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -85,6 +86,7 @@ void SoundDecoding::start(const std::string& path, double seconds, SoundFormat f
 
     m_process.setProgram(QString::fromStdString(m_ffmpeg));
     m_process.setArguments(argumentsFor(path, std::max(seconds, 0.0), format));
+    m_process.setProcessEnvironment(childEnvironment());
     m_process.setStandardInputFile(QProcess::nullDevice());
     m_process.setStandardErrorFile(QProcess::nullDevice());
     // QProcess would read whatever comes; a pipe of ours is read only as far as the sound is wanted.

@@ -1,6 +1,7 @@
 #include "plugin/PluginManager.h"
 
 #include "base/Files.h"
+#include "model/FileLimits.h"
 #include "model/PluginVersion.h"
 #include "platform/FileSystem.h"
 #include "plugin/AdministratorScripts.h"
@@ -16,16 +17,12 @@ namespace zuvo {
 
 namespace {
 
-/// A version file has some 30 bytes.
-constexpr std::uint64_t versionFileLimit = 64UL * 1024;
-
 std::string versionIn(const std::string& pluginPath) {
     const auto path = pluginPath + "/version.json";
     std::error_code error;
     // A pipe in its place would be waited for.
     const bool isFile = std::filesystem::is_regular_file(path, error);
-    const auto size = fileSize(path);
-    const auto text = isFile && size && *size <= versionFileLimit ? readTextFile(path) : std::nullopt;
+    const auto text = isFile ? readTextFile(path, FileLimits::pluginVersion) : std::nullopt;
     const auto decoded = text ? decodeRecordText<PluginVersionFile>(*text) : Decoded<PluginVersionFile>();
     return decoded.value ? decoded.value->version : "Unknown";
 }

@@ -5,6 +5,7 @@
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "exporters/MediaList.h"
+#include "model/FileLimits.h"
 #include "platform/FileSystem.h"
 #include "steps/Probing.h"
 
@@ -96,7 +97,7 @@ bool isCopyOfNewest(const LocalPipeline& pipeline, const MineVersion& version) {
     const auto folder = pipeline.lastExportDir().value_or("") + "/";
     const auto newest = folder + newestStory;
     const auto copy = folder + "mining_results_v" + std::to_string(version.version) + ".json";
-    return fileSize(newest) == fileSize(copy) && readFile(newest) == readFile(copy);
+    return fileSize(newest) == fileSize(copy) && readFile(newest, FileLimits::store) == readFile(copy, FileLimits::store);
 }
 
 QString dateText(double secondsSince1970) {

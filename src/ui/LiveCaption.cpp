@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Json.h"
+#include "model/FileLimits.h"
 
 #include <algorithm>
 #include <utility>
@@ -28,7 +29,7 @@ std::vector<WordTimestampData> wordsOf(const Json& list) {
 } // namespace
 
 std::optional<WordTimestampsCache> loadWordTimestamps(const std::string& cacheFolder) {
-    const auto text = readFile(cacheFolder + "/word_timestamps.json");
+    const auto text = readFile(cacheFolder + "/word_timestamps.json", FileLimits::wordTimestamps);
     const auto json = text ? parseForeignJson(*text) : std::nullopt;
     if (!json || !json->is_array())
         return std::nullopt;

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Paths.h"
+#include "model/FileLimits.h"
 
 #include <algorithm>
 #include <utility>
@@ -20,7 +21,7 @@ std::vector<MediaPlace> laidEndToEnd(const std::vector<MediaLength>& files) {
 }
 
 std::vector<MediaPlace> placesFromProbe(const std::string& cacheFolder, const std::vector<std::string>& mediaPaths) {
-    const auto text = readFile(cacheFolder + "/probe_results.json");
+    const auto text = readFile(cacheFolder + "/probe_results.json", FileLimits::probeCache);
     const auto probe = text ? parseForeignJson(*text) : std::nullopt;
     if (!probe || !probe->is_object())
         return {};

@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QVariantMap>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <functional>
 #include <utility>
@@ -18,6 +19,9 @@ namespace zuvo {
 namespace {
 
 constexpr double minutesOfACredit = 10.0;
+
+/// Between two looks at a lock that is waited for. It is free for whoever comes first.
+constexpr std::chrono::milliseconds lockPollInterval{250};
 
 /// Share of a full mine's cost.
 double costOf(MiningMode mode) {
@@ -80,7 +84,7 @@ QCoro::Task<> findTimelines(std::shared_ptr<ResolveBridge> bridge) {
         co_await bridge->getTimelines();
 }
 
-QCoro::Task<> buildFromFile(std::shared_ptr<LocalPipeline> pipeline) {
+QCoro::Task<> buildFromFile(std::shared_ptr<LocalPipeline> pipeline, std::shared_ptr<MineLock> /*lock*/) {
     co_await pipeline->buildTimelineFromSegmentsFile();
 }
 
@@ -92,6 +96,8 @@ MineViewModel::MineViewModel(MineTools tools, QObject* parent) : QObject(parent)
     connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::followPageName);
     connect(this, &MineViewModel::selectedModeChanged, this, &MineViewModel::followEstimate);
     connect(this, &MineViewModel::targetMinutesChanged, this, &MineViewModel::followEstimate);
+    m_lockTimer.setInterval(lockPollInterval);
+    connect(&m_lockTimer, &QTimer::timeout, this, &MineViewModel::askForLockAgain);
     followPageName();
     followEstimate();
 }
@@ -317,8 +323,10 @@ namespace {
 /// What is done with the files that a complete run could not save.
 using OnComplete = std::function<void(std::vector<UnsavedFile>)>;
 
-/// Waits for a run of the flow's pipeline. It holds the pipeline but not the flow, which may be gone when it ends.
-QCoro::Task<> followRun(std::shared_ptr<LocalPipeline> pipeline, QCoro::Task<> run, OnComplete onComplete) {
+/// Waits for a run of the flow's pipeline. It holds the pipeline and the lock of its cache folder but not the flow,
+/// which may be gone when it ends.
+QCoro::Task<> followRun(std::shared_ptr<LocalPipeline> pipeline, QCoro::Task<> run, OnComplete onComplete,
+                        std::shared_ptr<MineLock> /*lock*/) {
     co_await std::move(run);
     if (pipeline->step() == PipelineStep::complete)
         onComplete(unsavedFiles(pipeline->promisedFiles()));
@@ -331,7 +339,7 @@ QCoro::Task<> nothing() {
 
 } // namespace
 
-QCoro::Task<> MineViewModel::mineAndGoOn(const std::function<QCoro::Task<>()>& begin) {
+QCoro::Task<> MineViewModel::mineAndGoOn(const std::function<QCoro::Task<>()>& begin, std::shared_ptr<MineLock> lock) {
     auto goOn = [flow = QPointer<MineViewModel>(this), cancelCount = m_cancelCount](std::vector<UnsavedFile> unsaved) {
         if (flow.isNull() || flow->m_cancelCount != cancelCount)
             return;
@@ -340,7 +348,7 @@ QCoro::Task<> MineViewModel::mineAndGoOn(const std::function<QCoro::Task<>()>& b
     };
     auto pipeline = m_tools.pipeline;
     auto run = begin(); // what it tells while it begins may end this flow
-    return followRun(std::move(pipeline), std::move(run), std::move(goOn));
+    return followRun(std::move(pipeline), std::move(run), std::move(goOn), std::move(lock));
 }
 
 std::string MineViewModel::chosenName() const {
@@ -394,25 +402,85 @@ void MineViewModel::startMining() {
         advanceTo(MineStep::setup);
         return;
     }
-    m_unsaved.clear();
-    startTopLevelTask(this, "that mines", [this, cancelCount = m_cancelCount, begin = std::move(begin)] {
-        return m_cancelCount == cancelCount ? mineAndGoOn(begin) : nothing();
-    });
+    auto start = [this, begin = std::move(begin)](const std::shared_ptr<MineLock>& lock) {
+        m_unsaved.clear();
+        startTopLevelTask(this, "that mines", [this, lock, cancelCount = m_cancelCount, begin] {
+            return m_cancelCount == cancelCount ? mineAndGoOn(begin, lock) : nothing();
+        });
+    };
+    withMineLock(std::move(start), [this] { advanceTo(MineStep::style); });
+}
+
+void MineViewModel::withMineLock(LockedAction action, std::function<void()> onGivenUp) {
+    const auto lock = MineLock::ofThisProgram(m_tools.pipeline->platform().environment);
+    if (lock->isHeld())
+        action(lock);
+    else
+        setPutOff({std::move(action), std::move(onGivenUp)}, lock->refusal());
+}
+
+void MineViewModel::setPutOff(PutOff putOff, const std::string& reason) {
+    m_putOff = std::move(putOff);
+    m_otherMine = QString::fromStdString(reason);
+    m_lockTimer.stop();
+    Q_EMIT otherMineChanged();
+}
+
+void MineViewModel::waitForOtherMine() {
+    if (!m_putOff.action || isWaitingForOtherMine())
+        return;
+    m_lockTimer.start();
+    Q_EMIT otherMineChanged();
+}
+
+void MineViewModel::askForLockAgain() {
+    const auto lock = MineLock::ofThisProgram(m_tools.pipeline->platform().environment);
+    if (lock->isHeld()) {
+        const auto action = m_putOff.action;
+        setPutOff({}, {});
+        action(lock);
+        return;
+    }
+    // Another one may have been quicker.
+    const auto holder = QString::fromStdString(lock->refusal());
+    if (m_otherMine != holder) {
+        m_otherMine = holder;
+        Q_EMIT otherMineChanged();
+    }
+}
+
+void MineViewModel::giveUpWaiting() {
+    if (!m_putOff.action)
+        return;
+    const auto onGivenUp = m_putOff.onGivenUp;
+    setPutOff({}, {});
+    if (onGivenUp)
+        onGivenUp();
 }
 
 void MineViewModel::cancelMining() {
     ++m_cancelCount;
+    if (m_putOff.action)
+        setPutOff({}, {});
     m_tools.pipeline->cancel();
     m_tools.pipeline->reset();
     advanceTo(MineStep::style);
 }
 
 void MineViewModel::buildTimeline() {
-    startTopLevelTask(this, "that builds a timeline",
-                      [pipeline = m_tools.pipeline] { return buildFromFile(pipeline); });
+    withMineLock([this](const std::shared_ptr<MineLock>& lock) {
+        startTopLevelTask(this, "that builds a timeline",
+                          [pipeline = m_tools.pipeline, lock] { return buildFromFile(pipeline, lock); });
+    });
 }
 
 void MineViewModel::sendToResolve(std::vector<StorySegment> segments) {
+    withMineLock([this, segments = std::move(segments)](const std::shared_ptr<MineLock>& /*lock*/) {
+        sendToResolveNow(segments);
+    });
+}
+
+void MineViewModel::sendToResolveNow(const std::vector<StorySegment>& segments) {
     if (const auto& results = m_tools.pipeline->results()) {
         auto edited = *results;
         edited.estimatedDuration = totalLength(segments);
@@ -487,9 +555,11 @@ void MineViewModel::resetFlow() {
 }
 
 void MineViewModel::startFresh() {
-    m_tools.pipeline->clearCaches();
-    advanceTo(MineStep::setup);
-    beginAgain();
+    withMineLock([this](const std::shared_ptr<MineLock>& /*lock*/) {
+        m_tools.pipeline->clearCaches();
+        advanceTo(MineStep::setup);
+        beginAgain();
+    });
 }
 
 } // namespace zuvo

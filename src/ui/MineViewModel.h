@@ -7,12 +7,14 @@
 #include "pipeline/LocalPipeline.h"
 #include "platform/Clock.h"
 #include "platform/DesktopOpener.h"
+#include "platform/MineLock.h"
 #include "resolve/ResolveBridge.h"
 #include "ui/DroppedFile.h"
 #include "ui/MineStep.h"
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
 #include <QVariantList>
 #include <cstdint>
@@ -53,6 +55,8 @@ class MineViewModel final : public QObject {
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY noticeChanged)
     Q_PROPERTY(bool canSaveCopy READ canSaveCopy NOTIFY noticeChanged)
     Q_PROPERTY(double estimatedCredits READ estimatedCredits NOTIFY estimatedCreditsChanged)
+    Q_PROPERTY(QString otherMine READ otherMine NOTIFY otherMineChanged)
+    Q_PROPERTY(bool isWaitingForOtherMine READ isWaitingForOtherMine NOTIFY otherMineChanged)
 public:
     explicit MineViewModel(MineTools tools, QObject* parent = nullptr);
 
@@ -124,6 +128,18 @@ public:
     /// Whether the last mine could not save its file of that name, so that what lies there is another story's.
     [[nodiscard]] bool isUnsaved(std::string_view fileName) const;
 
+    // Another program may be mining in the same cache folder. What would disturb it is put off then, and the user is
+    // asked whether to wait.
+
+    /// Why something is put off: "Another mine is running (zuvo, process 4711)". Empty if nothing is.
+    [[nodiscard]] const QString& otherMine() const { return m_otherMine; }
+    /// The user wants to wait for it; else, with `otherMine` set, the question is open.
+    [[nodiscard]] bool isWaitingForOtherMine() const { return m_lockTimer.isActive(); }
+    /// From now on the lock is asked for again and again; what was put off starts as soon as it is free.
+    Q_INVOKABLE void waitForOtherMine();
+    /// Forgets what was put off. A mine that has not begun leads back to the style.
+    Q_INVOKABLE void giveUpWaiting();
+
     // What the pages show.
 
     [[nodiscard]] const std::shared_ptr<LocalPipeline>& pipeline() const { return m_tools.pipeline; }
@@ -179,6 +195,7 @@ Q_SIGNALS:
     void droppedFilesChanged();
     void sourceModeChanged();
     void estimatedCreditsChanged();
+    void otherMineChanged();
     void noticeChanged();
 
 private:
@@ -195,6 +212,21 @@ private:
     void reportUnsaved(std::vector<UnsavedFile> unsaved);
     /// Of the run that the choices ask for; "" for one that saves nothing.
     [[nodiscard]] std::string chosenName() const;
+
+    using LockedAction = std::function<void(const std::shared_ptr<MineLock>& lock)>;
+
+    /// Something that waits for the lock of the cache folder.
+    struct PutOff {
+        LockedAction action;
+        std::function<void()> onGivenUp;
+    };
+
+    /// Does it at once while this program has the lock or can have it; else puts it off.
+    void withMineLock(LockedAction action, std::function<void()> onGivenUp = {});
+    void askForLockAgain();
+    void sendToResolveNow(const std::vector<StorySegment>& segments);
+    void setPutOff(PutOff putOff, const std::string& reason);
+
     [[nodiscard]] QString wantedPageName() const;
     void followPageName();
     void followEstimate();
@@ -203,7 +235,8 @@ private:
     /// The run over the footage that is chosen now, to be begun while this flow is there; nothing without footage. The
     /// style is read when it begins.
     [[nodiscard]] std::function<QCoro::Task<>()> chosenRun() const;
-    [[nodiscard]] QCoro::Task<> mineAndGoOn(const std::function<QCoro::Task<>()>& begin);
+    [[nodiscard]] QCoro::Task<> mineAndGoOn(const std::function<QCoro::Task<>()>& begin,
+                                            std::shared_ptr<MineLock> lock);
     [[nodiscard]] MineChoices mineChoices() const;
     [[nodiscard]] StoryChoices storyChoices() const;
     [[nodiscard]] SavedProject projectOfThisRun() const;
@@ -234,7 +267,10 @@ private:
     Notice m_notice;
     std::vector<UnsavedFile> m_unsaved;       ///< by the last mine of this flow
     std::vector<PromisedFile> m_unsavedStory; ///< all files of that mine
-    std::uint64_t m_cancelCount = 0;          ///< a run that was cancelled moves the flow no more
+    PutOff m_putOff;
+    QString m_otherMine;
+    QTimer m_lockTimer;              ///< runs while the lock is waited for
+    std::uint64_t m_cancelCount = 0; ///< a run that was cancelled moves the flow no more
 };
 
 } // namespace zuvo

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Numbers.h"
+#include "model/FileLimits.h"
 #include "model/MiningResults.h"
 #include "platform/FileSystem.h"
 
@@ -17,7 +18,7 @@ std::string folderOf(const std::string& home) {
 }
 
 Json storedActions(const std::string& file) {
-    const auto text = readFile(file);
+    const auto text = readFile(file, FileLimits::reviewActions);
     auto stored = text ? parseForeignJson(*text) : std::nullopt;
     return stored && stored->is_array() ? *std::move(stored) : Json::array();
 }
@@ -42,8 +43,13 @@ std::string reviewActionsFile(const std::string& home) {
 void saveReviewActions(const std::string& home, const std::vector<ReviewAction>& actions) {
     if (actions.empty())
         return;
-    createFolders(folderOf(home));
+    // One that is there may be shared by the user's own choice.
+    if (!fileExists(folderOf(home)))
+        (void)makePrivateFolder(folderOf(home), folderOf(home));
     const auto file = reviewActionsFile(home);
+    // It would be replaced by the new actions alone.
+    if (fileSize(file).value_or(0) > FileLimits::reviewActions)
+        return;
     auto all = storedActions(file);
     for (const auto& action : actions)
         all.push_back(Json(encodeRecord(action)));

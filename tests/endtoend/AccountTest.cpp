@@ -9,6 +9,7 @@
 #include "fakes/KeptDesktop.h"
 #include "fakes/SignInPage.h"
 #include "fakes/TemporaryFolder.h"
+#include "model/FileLimits.h"
 #include "platform/Platform.h"
 #include "platform/ServiceAddresses.h"
 #include "standin/StandIn.h"
@@ -174,7 +175,7 @@ TEST_F(AccountTest, aSoundThatIsUploadedComesBackAsAStory) {
     EXPECT_EQ(processor->results()->segments.size(), story.segments.size());
 
     ASSERT_EQ(service.requests(Service::upload).size(), 1U);
-    const auto bytes = readFile(sound);
+    const auto bytes = readFile(sound, FileLimits::sound);
     ASSERT_TRUE(bytes.has_value());
     EXPECT_NE(service.requests(Service::upload).front().body.find(*bytes), std::string::npos);
     EXPECT_EQ(service.requests(Service::process).size(), 1U);

@@ -190,7 +190,7 @@ TEST_F(SecondRunTest, clearedCachesLeaveWhatWasPaidFor) {
     world.folder.write("home/Desktop/mine.txt", "the user's own");
     const auto cleared = world.zuvo({"clear-caches"});
     EXPECT_EQ(cleared.status, 0) << cleared.errors;
-    EXPECT_THAT(namesIn(world.cache()), ElementsAre("chunks", "transcripts"));
+    EXPECT_THAT(namesIn(world.cache()), ElementsAre("chunks", "mine.lock", "transcripts"));
     EXPECT_EQ(namesIn(world.cache("transcripts")).size(), 1U);
     EXPECT_THAT(namesIn(world.home() + "/Desktop"), ElementsAre("mine.txt"));
     EXPECT_TRUE(exists(world.exports("talk", "project.json")));

@@ -4,7 +4,9 @@
 #include "endtoend/GuideTable.h"
 #include "endtoend/MineTest.h"
 #include "endtoend/ResolveWorlds.h"
+#include "platform/MineLock.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <cctype>
 #include <functional>
@@ -230,6 +232,22 @@ std::map<std::string, TroubleTest::Story> TroubleTest::stories() {
         {"the folder for temporary files is not your own",
          [](TroubleTest& test) {
              test.world.folder.write("temporary/zuvo-" + std::to_string(geteuid()), "in the way");
+             test.mineFile();
+         }},
+        {"another mine is running",
+         [](TroubleTest& test) {
+             Environment environment;
+             environment.home = test.world.home();
+             environment.systemTemporaryFolder = test.world.temporary();
+             const MineLock other(environment);
+             test.values["program"] = QCoreApplication::applicationName().toStdString();
+             test.values["process"] = std::to_string(::getpid());
+             test.mineFile();
+         }},
+        {"the lock of the caches cannot be made",
+         [](TroubleTest& test) {
+             test.world.folder.makeFolder("home/Library/Caches/ZuvoManager/mine.lock");
+             test.values["the system's words"] = "Is a directory";
              test.mineFile();
          }},
         {"Resolve is not installed",

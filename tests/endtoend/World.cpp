@@ -142,9 +142,13 @@ std::unique_ptr<Running> World::begin(const std::vector<std::string>& words) con
 }
 
 Ending World::byShell(const std::string& line, const std::vector<std::string>& words) const {
+    return beginByShell(line, words)->end();
+}
+
+std::unique_ptr<Running> World::beginByShell(const std::string& line, const std::vector<std::string>& words) const {
     std::vector<std::string> all = {"-c", line, "sh", program};
     all.insert(all.end(), words.begin(), words.end());
-    return Running("/bin/sh", environment, workingFolder, all).end();
+    return std::make_unique<Running>("/bin/sh", environment, workingFolder, all);
 }
 
 std::vector<qint64> World::processes() const {

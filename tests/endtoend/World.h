@@ -87,6 +87,9 @@ public:
     /// before the program starts.
     [[nodiscard]] Ending byShell(const std::string& line, const std::vector<std::string>& words) const;
 
+    [[nodiscard]] std::unique_ptr<Running> beginByShell(const std::string& line,
+                                                        const std::vector<std::string>& words) const;
+
     /// Ids of the processes that run in this world, children of children included.
     [[nodiscard]] std::vector<qint64> processes() const;
 

@@ -1,5 +1,7 @@
 #include "ui/QmlWarnings.h"
 
+#include "base/DiskSync.h"
+
 #include <QFile>
 #include <QGuiApplication>
 #include <QQuickStyle>
@@ -40,6 +42,8 @@ int main(int argumentCount, char** arguments) {
     qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toUtf8());
     const QGuiApplication application(argumentCount, arguments);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    // No test here loses power, and a sync takes longer than the rest of most tests.
+    zuvo::exchangeDiskSync([](int) { return 0; });
     testing::InitGoogleMock(&argumentCount, arguments);
     zuvo::tests::failOnQmlWarnings();
     return RUN_ALL_TESTS();

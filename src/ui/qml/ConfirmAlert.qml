@@ -13,6 +13,7 @@ Controls.Popup {
     property string message: ""
     property string keepText: "Cancel"
     property string proceedText: ""
+    /// Whether proceeding loses something; its button then warns.
     property bool isDestructive: true
 
     signal kept()
@@ -112,7 +113,7 @@ Controls.Popup {
                 text: alert.keepText
                 onClicked: alert.close()
             }
-            // Filled, so that nobody takes it for the harmless one.
+            // Filled, so that nobody takes it for the harmless one where it is not.
             DestructiveButtonStyle {
                 id: proceedButton
                 objectName: "proceedButton"

@@ -18,10 +18,27 @@ FocusScope {
         // The step that is gone back to takes the keyboard no longer: the page does.
         onChosen: pageStack.forceActiveFocus()
     }
+    /// Asks whether to wait for another program's mine, and shows that it is waited for. Seldom needed, so it costs the
+    /// start nothing.
+    Loader {
+        id: otherMine
+        y: stepIndicator.height
+        width: parent.width
+        height: implicitHeight
+    }
+    Connections {
+        target: view.model
+        function onOtherMineChanged() {
+            if (view.model.otherMine === "")
+                otherMine.source = "";
+            else if (otherMine.status === Loader.Null)
+                otherMine.setSource("OtherMineNotice.qml", { "flow": view.model });
+        }
+    }
     PageStack {
         id: pageStack
         objectName: "pageStack"
-        y: stepIndicator.height
+        y: stepIndicator.height + otherMine.height
         width: parent.width
         height: parent.height - y
         focus: true

@@ -293,3 +293,56 @@ TEST_F(AuthManagerTest, aLinkWithAnEncodedLineEndSendsNothing) {
     EXPECT_EQ(server.connectionCount(), 0);
     thenNobodyIsSignedIn();
 }
+
+// The token on the disk is for its owner alone
+
+namespace {
+
+/// A mask that leaves everything to everybody, for one test.
+class NoMask {
+public:
+    NoMask() : m_before(umask(0)) {}
+    ~NoMask() { umask(m_before); }
+    NoMask(const NoMask&) = delete;
+    NoMask& operator=(const NoMask&) = delete;
+
+private:
+    mode_t m_before;
+};
+
+mode_t modeOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    constexpr mode_t permissions = 07777;
+    return status.st_mode & permissions;
+}
+
+} // namespace
+
+TEST_F(AuthManagerTest, aNewTokenFileAndItsFolderAreTheirOwnersAlone) {
+    const NoMask mask;
+    givenAda();
+    EXPECT_EQ(modeOf(tokenFile), 0600U);
+    EXPECT_EQ(modeOf(fs::path(tokenFile).parent_path().string()), 0700U);
+}
+
+TEST_F(AuthManagerTest, whatAnEarlierVersionLeftOpenToOthersIsClosedAtTheStart) {
+    const NoMask mask;
+    home.write(".zuvo/token.json", adasFile);
+    ASSERT_EQ(modeOf(tokenFile), 0666U);
+    server.then(answer(httpAnswer(200, adaAsJson)));
+    make();
+    EXPECT_EQ(modeOf(tokenFile), 0600U);
+    EXPECT_EQ(modeOf(fs::path(tokenFile).parent_path().string()), 0700U);
+    EXPECT_TRUE(waitUntil([this] { return manager->isSignedIn(); }));
+}
+
+TEST_F(AuthManagerTest, aStricterModeOfTheUsersStays) {
+    const NoMask mask;
+    givenAda();
+    ASSERT_EQ(chmod(tokenFile.c_str(), 0400), 0);
+    server.then(answer(httpAnswer(200, adaAsJson)));
+    signIn("zuvo_other");
+    EXPECT_EQ(modeOf(tokenFile), 0400U);
+    EXPECT_THAT(home.read(".zuvo/token.json"), testing::HasSubstr("zuvo_other"));
+}

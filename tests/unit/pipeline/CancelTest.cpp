@@ -29,9 +29,9 @@ const std::vector<Stop> stops = {
     {PipelineStep::error, "[accent] ✗ Transcription failed"},                // 8: its length
     {PipelineStep::transcribing, "[dim]   Transcribing chunk 2/2..."},       // 9: second chunk
     {PipelineStep::transcribing, "[dim]   Transcribing chunk 2/2..."},       // 10: its length
-    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 11: channels of A
-    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 12: samples of A
-    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 13: samples of B
+    {PipelineStep::error, "[accent] ✗ Story analysis failed"},               // 11: channels of A
+    {PipelineStep::error, "[accent] ✗ Story analysis failed"},               // 12: samples of A
+    {PipelineStep::error, "[accent] ✗ Story analysis failed"},               // 13: samples of B
     {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 14: the story
     {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 15: cut of the first moment
     {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 16: its words
@@ -52,9 +52,9 @@ std::vector<Stop> timelineStops() {
 
 // The calls of a project told anew in the launch that mined it.
 const std::vector<Stop> projectStops = {
-    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 1: channels of A
-    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 2: samples of A
-    {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 3: samples of B
+    {PipelineStep::error, "[accent] ✗ Story analysis failed"},               // 1: channels of A
+    {PipelineStep::error, "[accent] ✗ Story analysis failed"},               // 2: samples of A
+    {PipelineStep::error, "[accent] ✗ Story analysis failed"},               // 3: samples of B
     {PipelineStep::analyzing, "[dim] 🔑 API key found (anthropic-ke...)"},    // 4: the story
     {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 5: cut of the first moment
     {PipelineStep::translating, "[dim]   Word transcribing segment 1/2..."}, // 6: its words
@@ -62,6 +62,15 @@ const std::vector<Stop> projectStops = {
     {PipelineStep::translating, "[dim]   Word transcribing segment 2/2..."}, // 8: its words
     {PipelineStep::building, "[accent] ✗ Python returned no output"},        // 9: the build
 };
+
+// The paid requests among the calls above, by their place.
+const std::vector<std::size_t> paidCalls = {7, 9, 14, 16, 18};
+const std::vector<std::size_t> paidProjectCalls = {4, 6, 8};
+
+/// How many of those have begun when the call of that place has.
+std::size_t begunUpTo(std::size_t call, const std::vector<std::size_t>& paid) {
+    return static_cast<std::size_t>(std::count_if(paid.begin(), paid.end(), [call](auto one) { return one <= call; }));
+}
 
 class CancelFixture : public PipelineFixture, public testing::WithParamInterface<std::size_t> {
 protected:
@@ -108,6 +117,7 @@ TEST_P(CancelInsideCall, endsTheRunAtItsNextTest) {
     EXPECT_FALSE(pipeline->results().has_value());
     EXPECT_FALSE(pipeline->lastExportDir().has_value());
     EXPECT_LT(pipeline->progress(), 0.85);
+    EXPECT_EQ(services->requests.size(), begunUpTo(GetParam(), paidCalls)) << "no other request is paid for";
 }
 
 TEST_P(CancelInsideCall, directlyFollowedByResetLetsTheRunGoOn) {
@@ -169,6 +179,7 @@ TEST_P(CancelInsideTimelineCall, endsTheRunAtItsNextTest) {
     const bool isKept = stop.step == PipelineStep::building;
     EXPECT_EQ(pipeline->results().has_value(), isKept);
     EXPECT_EQ(exists(exportsPath("Cut/project.json")), isKept);
+    EXPECT_EQ(services->requests.size(), begunUpTo(GetParam() - 1, paidCalls)) << "no other request is paid for";
 }
 
 TEST_P(CancelInsideProjectCall, endsTheRunAtItsNextTest) {
@@ -179,6 +190,7 @@ TEST_P(CancelInsideProjectCall, endsTheRunAtItsNextTest) {
     givenWords(R"({"word": "uno", "start": 0.12, "end": 0.5})");
     givenWords(R"({"word": "tres", "start": 0.25, "end": 0.75})");
     const auto before = calls->count();
+    const auto requestsBefore = services->requests.size();
     calls->inside = [this, before](std::size_t number) {
         if (number == before + GetParam())
             pipeline->cancel();
@@ -187,7 +199,9 @@ TEST_P(CancelInsideProjectCall, endsTheRunAtItsNextTest) {
     const auto& stop = projectStops[GetParam() - 1];
     EXPECT_EQ(pipeline->step(), stop.step);
     EXPECT_EQ(log().back(), stop.lastLine);
-    EXPECT_EQ(pipeline->errorMessage(), std::nullopt);
+    EXPECT_EQ(pipeline->errorMessage().has_value(), stop.step == PipelineStep::error);
+    EXPECT_EQ(services->requests.size() - requestsBefore, begunUpTo(GetParam(), paidProjectCalls))
+        << "no other request is paid for";
     if (stop.step != PipelineStep::building) {
         EXPECT_EQ(exportedFiles(), earlier);
     } else {
@@ -279,7 +293,7 @@ TEST_F(Cancel, theNextRunIsNotCancelled) {
     EXPECT_EQ(pipeline->step(), PipelineStep::complete);
 }
 
-TEST_F(Cancel, whileAProjectIsAnalysedEndsTheRunWithoutAWord) {
+TEST_F(Cancel, whileAProjectIsAnalysedEndsTheRunWithoutAWord) { // the call is the request itself
     SavedProject project;
     project.timeline = "Cut";
     givenStory(fixtureStory);

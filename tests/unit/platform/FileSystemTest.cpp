@@ -218,3 +218,71 @@ TEST_F(Files, whatLiesBelowAFolderIsFoundThroughNamesAndLinks) {
                              root + "/out/x", root + "2", root + "/../root2/a", std::string()})
         EXPECT_FALSE(liesBelow(root, path)) << path;
 }
+
+namespace {
+
+class PrivateFolders : public Files {
+protected:
+    PrivateFolders() : mask(umask(0)) {}
+    ~PrivateFolders() override { umask(mask); }
+
+    [[nodiscard]] mode_t modeOf(const std::string& name) const {
+        struct stat status {};
+        EXPECT_EQ(stat((folder / name).c_str(), &status), 0) << name;
+        constexpr mode_t permissions = 07777;
+        return status.st_mode & permissions;
+    }
+
+    mode_t mask;
+};
+
+} // namespace
+
+TEST_F(PrivateFolders, fromTheRootDownTheyAreMadeForThisUserAlone) {
+    EXPECT_EQ(makePrivateFolder(folder / "above/root", folder / "above/root/a/b"), std::error_code());
+    EXPECT_EQ(modeOf("above"), 0777U);
+    EXPECT_EQ(modeOf("above/root"), 0700U);
+    EXPECT_EQ(modeOf("above/root/a"), 0700U);
+    EXPECT_EQ(modeOf("above/root/a/b"), 0700U);
+}
+
+TEST_F(PrivateFolders, theRootAloneCanBeMade) {
+    EXPECT_EQ(makePrivateFolder(folder / "root", folder / "root"), std::error_code());
+    EXPECT_EQ(modeOf("root"), 0700U);
+    EXPECT_EQ(makePrivateFolder(folder / "other", folder / "other/"), std::error_code());
+    EXPECT_EQ(modeOf("other"), 0700U);
+}
+
+TEST_F(PrivateFolders, whatIsThereLosesWhatOthersMayDo) {
+    folder.makeFolder("root/a");
+    ASSERT_EQ(modeOf("root/a"), 0777U);
+    EXPECT_EQ(makePrivateFolder(folder / "root", folder / "root/a"), std::error_code());
+    EXPECT_EQ(modeOf("root"), 0700U);
+    EXPECT_EQ(modeOf("root/a"), 0700U);
+}
+
+TEST_F(PrivateFolders, aStricterModeStays) {
+    folder.makeFolder("root");
+    ASSERT_EQ(chmod((folder / "root").c_str(), 0550), 0);
+    EXPECT_EQ(makePrivateFolder(folder / "root", folder / "root"), std::error_code());
+    EXPECT_EQ(modeOf("root"), 0500U);
+}
+
+TEST_F(PrivateFolders, aFileInTheWayIsAFailureAndStays) {
+    folder.write("root", "x");
+    EXPECT_EQ(makePrivateFolder(folder / "root", folder / "root"), std::errc::not_a_directory);
+    EXPECT_EQ(makePrivateFolder(folder / "root", folder / "root/a"), std::errc::not_a_directory);
+    EXPECT_EQ(makePrivateFolder(folder / "root/a", folder / "root/a"), std::errc::not_a_directory);
+    EXPECT_EQ(folder.read("root"), "x");
+}
+
+TEST_F(PrivateFolders, aFileIsMadePrivateAndAMissingOneIsNotMade) {
+    folder.write("f", "x");
+    makePrivate(folder / "f");
+    EXPECT_EQ(modeOf("f"), 0600U);
+    makePrivate(folder / "missing");
+    EXPECT_FALSE(fileExists(folder / "missing"));
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0666), 0);
+    makePrivate(folder / "pipe");
+    EXPECT_EQ(modeOf("pipe"), 0666U);
+}

@@ -5,7 +5,9 @@
 #include <QCoreApplication>
 #include <QProcess>
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace zuvo;
@@ -21,14 +23,18 @@ protected:
         environment.home = folder.makeFolder("home");
     }
 
-    /// The one file that a lock leaves.
-    [[nodiscard]] std::string lockFile() const {
-        { const MineLock lock(environment); }
-        std::vector<std::string> files;
-        for (const auto& entry : std::filesystem::directory_iterator(*environment.temporaryFolder()))
-            files.push_back(entry.path());
-        EXPECT_EQ(files.size(), 1U);
-        return files.at(0);
+    [[nodiscard]] std::string lockFile() const { return environment.cacheFolder() + "/mine.lock"; }
+
+    [[nodiscard]] std::string wordsInTheFile() const {
+        std::ifstream file(lockFile(), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    [[nodiscard]] static mode_t modeOf(const std::string& path) {
+        struct stat status {};
+        EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+        constexpr mode_t permissions = 07777;
+        return status.st_mode & permissions;
     }
 
     TemporaryFolder folder;
@@ -48,6 +54,8 @@ public:
     ~Holder() { kill(); }
     Holder(const Holder&) = delete;
     Holder& operator=(const Holder&) = delete;
+
+    [[nodiscard]] std::string process() const { return std::to_string(m_process.processId()); }
 
     void kill() {
         m_process.kill();
@@ -70,9 +78,11 @@ TEST_F(MineLocks, aSecondMineUnderTheSameHomeIsRefusedInWords) {
     const MineLock first(environment);
     const MineLock second(environment);
     EXPECT_FALSE(second.isHeld());
+    EXPECT_TRUE(second.isTaken());
     EXPECT_EQ(second.refusal(),
-              "Another mine is running under " + environment.home + ". Wait for it to end, then try again.");
+              "Another mine is running (zuvo_platform_tests, process " + std::to_string(getpid()) + ")");
     EXPECT_TRUE(first.isHeld());
+    EXPECT_FALSE(first.isTaken());
 }
 
 TEST_F(MineLocks, itIsLetGoAtDestruction) {
@@ -103,7 +113,8 @@ TEST_F(MineLocks, aHomeReachedByALinkIsTheSameHome) {
 
 TEST_F(MineLocks, anotherProgramsMineIsRefusedUntilThatProgramDies) {
     Holder holder(environment);
-    EXPECT_FALSE(MineLock(environment).isHeld());
+    EXPECT_EQ(MineLock(environment).refusal(),
+              "Another mine is running (zuvo_platform_tests, process " + holder.process() + ")");
     holder.kill();
     EXPECT_TRUE(MineLock(environment).isHeld());
 }
@@ -112,6 +123,7 @@ TEST_F(MineLocks, withoutAPrivateFolderThereIsNoLock) {
     folder.write("zuvo-" + std::to_string(geteuid()), "a file where the folder should be");
     const MineLock lock(environment);
     EXPECT_FALSE(lock.isHeld());
+    EXPECT_FALSE(lock.isTaken());
     EXPECT_THAT(lock.refusal(), HasSubstr(folder.path() + " cannot be made or is not this user's own"));
 }
 
@@ -128,15 +140,105 @@ TEST_F(MineLocks, aChildThatOutlivesItsProgramDoesNotHoldIt) {
 }
 
 TEST_F(MineLocks, whatLiesInTheFileOfTheLockDoesNotMatter) {
+    { const MineLock lock(environment); }
     std::ofstream(lockFile()) << "half of what was to be wri";
     EXPECT_TRUE(MineLock(environment).isHeld());
 }
 
+TEST_F(MineLocks, onlyAHolderOfTheRightFormIsShown) {
+    const MineLock lock(environment);
+    const std::string escape = "\x1b";
+    for (const std::string& words :
+         {std::string(), std::string("zuvo"), std::string("zuvo 12"), std::string("zuvo x\n"), std::string(" 12\n"),
+          std::string("zuvo \n"), std::string("zu vo 12\n"), escape + "[31mzuvo 12\n", std::string(100, 'z') + " 12\n",
+          std::string("<b>zuvo</b> 12\n")}) {
+        std::ofstream(lockFile(), std::ios::binary) << words;
+        EXPECT_EQ(MineLock(environment).refusal(), "Another mine is running") << words;
+    }
+    std::ofstream(lockFile(), std::ios::binary) << "ZuvoManager 12\n";
+    EXPECT_EQ(MineLock(environment).refusal(), "Another mine is running (ZuvoManager, process 12)");
+}
+
+TEST_F(MineLocks, itIsAFileInTheCacheFolderForThisUserAlone) {
+    const auto mask = umask(0);
+    {
+        const MineLock lock(environment);
+        EXPECT_EQ(wordsInTheFile(), "zuvo_platform_tests " + std::to_string(getpid()) + "\n");
+    }
+    umask(mask);
+    EXPECT_EQ(wordsInTheFile(), "") << "a lock that nobody holds names nobody";
+    EXPECT_EQ(modeOf(lockFile()), 0600U);
+    EXPECT_EQ(modeOf(environment.cacheFolder()), 0700U);
+}
+
+TEST_F(MineLocks, twoFoldersForTemporaryFilesHaveOneLock) {
+    const MineLock first(environment);
+    auto other = environment;
+    other.systemTemporaryFolder = folder.makeFolder("other temporary");
+    EXPECT_FALSE(MineLock(other).isHeld());
+}
+
+TEST_F(MineLocks, aLockFileThatIsRemovedWhileItIsOpenedLocksNothing) {
+    const MineLock first(environment);
+    std::filesystem::remove(lockFile());
+    const MineLock second(environment);
+    EXPECT_TRUE(second.isHeld());
+    EXPECT_FALSE(MineLock(environment).isHeld()) << "the second holds the file that is there";
+}
+
+TEST_F(MineLocks, oneProgramHasOneLockUntilTheLastLetsItGo) {
+    auto first = MineLock::ofThisProgram(environment);
+    auto second = MineLock::ofThisProgram(environment);
+    EXPECT_TRUE(first->isHeld());
+    EXPECT_EQ(first, second);
+    first.reset();
+    EXPECT_FALSE(MineLock(environment).isHeld());
+    second.reset();
+    EXPECT_TRUE(MineLock(environment).isHeld());
+}
+
+TEST_F(MineLocks, aLockThatThisProgramWasRefusedIsAskedForAgain) {
+    Holder holder(environment);
+    const auto refused = MineLock::ofThisProgram(environment);
+    EXPECT_TRUE(refused->isTaken());
+    holder.kill();
+    EXPECT_TRUE(MineLock::ofThisProgram(environment)->isHeld());
+}
+
+TEST_F(MineLocks, whoeverTakesItRemovesWhatKilledRunsHaveLeft) {
+    const auto inCache = folder.write("home/Library/Caches/ZuvoManager/.new-1-2", "half");
+    const auto inProject = folder.write("home/Library/Application Support/ZuvoManager/exports/talk/.new-3-4", "half");
+    const auto besideToken = folder.write("home/.zuvo/.new-5-6", "half");
+    const auto sound = *environment.temporaryFolder() + "zuvo_pcm_X.raw";
+    std::ofstream(sound) << "samples";
+    const auto project = folder.write("home/Library/Application Support/ZuvoManager/exports/talk/project.json", "{}");
+    const auto usersOwn = folder.write("home/.new-7-8", "not below a folder of ours");
+    { const MineLock lock(environment); }
+    for (const auto& gone : {inCache, inProject, besideToken, sound})
+        EXPECT_FALSE(std::filesystem::exists(gone)) << gone;
+    for (const auto& kept : {project, usersOwn})
+        EXPECT_TRUE(std::filesystem::exists(kept)) << kept;
+}
+
+TEST_F(MineLocks, whoIsRefusedRemovesNothing) {
+    const MineLock first(environment);
+    const auto leftover = folder.write("home/Library/Caches/ZuvoManager/.new-1-2", "half");
+    { const MineLock second(environment); }
+    EXPECT_TRUE(std::filesystem::exists(leftover));
+}
+
 TEST_F(MineLocks, aLockThatCannotBeMadeIsNotTakenForAnotherMine) {
-    const auto file = lockFile();
-    std::filesystem::remove(file);
-    std::filesystem::create_directory(file);
+    std::filesystem::create_directories(lockFile());
     const MineLock lock(environment);
     EXPECT_FALSE(lock.isHeld());
-    EXPECT_EQ(lock.refusal(), "No lock could be made at " + file);
+    EXPECT_FALSE(lock.isTaken());
+    EXPECT_EQ(lock.refusal(), "No lock could be made at " + lockFile() + " (Is a directory)");
+}
+
+TEST_F(MineLocks, whereTheCacheFolderCannotBeMadeThereIsNothingToProtect) {
+    folder.write("home/Library/Caches", "a file where the folder should be");
+    const MineLock lock(environment);
+    EXPECT_TRUE(lock.isHeld());
+    EXPECT_EQ(lock.refusal(), "");
+    EXPECT_EQ(folder.read("home/Library/Caches"), "a file where the folder should be");
 }

@@ -1,3 +1,5 @@
+#include "platform/ChildEnvironment.h"
+#include "platform/CoreDumps.h"
 #include "platform/Environment.h"
 #include "platform/MineLock.h"
 #include "platform/Platform.h"
@@ -6,9 +8,14 @@
 #include <QCoreApplication>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
+#include <sys/resource.h>
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
 #include <unistd.h>
 
 namespace {
@@ -54,6 +61,37 @@ int serve(const std::string& wish, char** arguments) {
         pause();
 }
 
+std::string inTheEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "not in the environment" : value;
+}
+
+/// "--withdrawn-keys -" withdraws the keys and prints what is left in the environment and what the program knows.
+int printWithdrawnKeys() {
+    zuvo::withdrawKeys();
+    const auto environment = zuvo::Environment::ofThisMachine();
+    for (const char* name : {"OPENAI_API_KEY", "ANTHROPIC_API_KEY", "ZUVO_TEST_HARMLESS", "ZUVO_TEST_MISSING"})
+        std::printf("%s: %s, %s\n", name, inTheEnvironment(name).c_str(),
+                    environment.variable(name).value_or("unknown").c_str());
+    return 0;
+}
+
+/// "--core-dumps nobody|desktopPortals" allows core dumps as far as the system does, turns them off and prints what the
+/// system says of this process.
+int printCoreDumps(const std::string& inspection) {
+    rlimit all{};
+    getrlimit(RLIMIT_CORE, &all);
+    all.rlim_cur = all.rlim_max;
+    setrlimit(RLIMIT_CORE, &all);
+    zuvo::turnOffCoreDumps(inspection == "nobody" ? zuvo::Inspection::nobody : zuvo::Inspection::desktopPortals);
+#ifdef Q_OS_LINUX
+    rlimit limit{};
+    getrlimit(RLIMIT_CORE, &limit);
+    std::printf("limit %llu, dumpable %d\n", static_cast<unsigned long long>(limit.rlim_cur), prctl(PR_GET_DUMPABLE));
+#endif
+    return 0;
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -61,6 +99,10 @@ int main(int argumentCount, char** arguments) {
     const std::string wish = argumentCount > 1 ? arguments[1] : "";
     if ((wish == "--text-hash" && argumentCount == 3) || (wish == "--hold-lock" && argumentCount == 4))
         return serve(wish, arguments);
+    if (wish == "--withdrawn-keys")
+        return printWithdrawnKeys();
+    if (wish == "--core-dumps" && argumentCount == 3)
+        return printCoreDumps(arguments[2]);
     if (wish == "--instance" && (argumentCount == 5 || argumentCount == 6))
         return startInstance(argumentCount, arguments);
     testing::InitGoogleMock(&argumentCount, arguments);

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Json.h"
 #include "model/Constants.h"
+#include "model/FileLimits.h"
 #include "model/PluginVersion.h"
 #include "platform/ResourceFolder.h"
 
@@ -14,7 +15,7 @@ using namespace zuvo;
 namespace {
 
 std::string shipped(const std::string& name) {
-    return readTextFile(ownBuildTree().resources + "/plugin/" + name).value_or("missing");
+    return readTextFile(ownBuildTree().resources + "/plugin/" + name, FileLimits::store).value_or("missing");
 }
 
 } // namespace

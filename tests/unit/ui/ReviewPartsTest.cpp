@@ -1,4 +1,5 @@
 #include "fakes/TemporaryFolder.h"
+#include "model/FileLimits.h"
 #include "model/MiningResults.h"
 #include "ui/EchoLines.h"
 #include "ui/LiveCaption.h"
@@ -299,4 +300,47 @@ TEST(Echo, aLongTranscriptIsSearchedWhole) {
     std::vector<std::string> texts(50000, "Aquella noche no había cielo ni había mar");
     texts[49999] = "La ÚLTIMA línea";
     EXPECT_EQ(found(texts, QStringLiteral("última")), QStringList({QStringLiteral("La ÚLTIMA línea")}));
+}
+
+// Files that are larger than any of ours.
+
+namespace {
+
+/// The text with so many blanks behind it that it has one byte more than the limit.
+std::string justTooLarge(std::string text, std::uint64_t limit) {
+    text.resize(limit + 1, ' ');
+    return text;
+}
+
+} // namespace
+
+TEST(ReviewFiles, aProbeFileThatIsTooLargeCountsAsMissing) {
+    const std::string probe = R"({"a": {"duration": 10.0}})";
+    const TemporaryFolder cache;
+    cache.write("probe_results.json", probe);
+    ASSERT_EQ(placesFromProbe(cache.path(), {"/a"}).size(), 1U);
+    cache.write("probe_results.json", justTooLarge(probe, FileLimits::probeCache));
+    EXPECT_THAT(placesFromProbe(cache.path(), {"/a"}), IsEmpty());
+}
+
+TEST(ReviewFiles, aFileOfWordTimesThatIsTooLargeCountsAsMissing) {
+    const TemporaryFolder cache;
+    cache.write("word_timestamps.json", "[]");
+    ASSERT_TRUE(loadWordTimestamps(cache.path()));
+    cache.write("word_timestamps.json", justTooLarge("[]", FileLimits::wordTimestamps));
+    EXPECT_FALSE(loadWordTimestamps(cache.path()));
+}
+
+TEST(ReviewFiles, aFileOfActionsThatIsTooLargeStaysAsItIs) {
+    const TemporaryFolder home;
+    const ReviewAction action = deletion({}, 0, 1.0);
+    saveReviewActions(home.path(), {action});
+    const std::string file = "Library/Application Support/ZuvoManager/review_actions.json";
+    const auto one = home.read(file);
+    saveReviewActions(home.path(), {action});
+    EXPECT_GT(home.read(file).size(), one.size());
+    const auto large = justTooLarge(one, FileLimits::reviewActions);
+    home.write(file, large);
+    saveReviewActions(home.path(), {action});
+    EXPECT_TRUE(home.read(file) == large) << "what is there is not given up for one action";
 }

@@ -1,3 +1,5 @@
+#include "base/DiskSync.h"
+
 #include <QGuiApplication>
 #include <gmock/gmock.h>
 
@@ -9,6 +11,8 @@ extern "C" const char* __lsan_default_suppressions() {
 int main(int argumentCount, char** arguments) {
     qputenv("QT_QPA_PLATFORM", "offscreen"); // fonts and images need a platform, if not a screen
     const QGuiApplication application(argumentCount, arguments);
+    // No test here loses power, and a sync takes longer than the rest of most tests.
+    zuvo::exchangeDiskSync([](int) { return 0; });
     testing::InitGoogleMock(&argumentCount, arguments);
     return RUN_ALL_TESTS();
 }

@@ -1,7 +1,6 @@
-#include "cli/Interrupts.h"
+#include "platform/Interrupts.h"
 
 #include <array>
-#include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -12,18 +11,10 @@ namespace {
 // A signal handler may do little more than write to a file: it wakes the event loop by a pipe to ourselves.
 std::array<int, 2> wakeUpPipe = {-1, -1};
 
-void wakeUp(int /*signal*/) {
-    const char byte = 1;
+void wakeUp(int signal) {
+    const auto byte = static_cast<unsigned char>(signal);
     const auto written = ::write(wakeUpPipe[1], &byte, 1);
     static_cast<void>(written);
-}
-
-void handle(int signal, void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    sigaction(signal, &action, nullptr);
 }
 
 } // namespace
@@ -33,13 +24,13 @@ Interrupts::Interrupts(QObject* parent) : QObject(parent) {
         return;
     m_notifier = std::make_unique<QSocketNotifier>(wakeUpPipe[0], QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readOne(); });
-    handle(SIGINT, wakeUp);
-    handle(SIGTERM, wakeUp);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        handle(signal);
 }
 
 Interrupts::~Interrupts() {
-    handle(SIGINT, SIG_DFL);
-    handle(SIGTERM, SIG_DFL);
+    for (const auto& [signal, before] : m_before)
+        ::sigaction(signal, &before, nullptr);
     for (int& end : wakeUpPipe) {
         if (end >= 0)
             ::close(end);
@@ -47,10 +38,22 @@ Interrupts::~Interrupts() {
     }
 }
 
+void Interrupts::handle(int signal) {
+    struct sigaction before {};
+    if (::sigaction(signal, nullptr, &before) != 0 || before.sa_handler == SIG_IGN)
+        return;
+    struct sigaction action {};
+    action.sa_handler = wakeUp;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    if (::sigaction(signal, &action, nullptr) == 0)
+        m_before.emplace_back(signal, before);
+}
+
 void Interrupts::readOne() {
-    char byte = 0;
+    unsigned char byte = 0;
     if (::read(wakeUpPipe[0], &byte, 1) == 1)
-        Q_EMIT interrupted();
+        Q_EMIT interrupted(byte);
 }
 
 } // namespace zuvo

@@ -118,16 +118,27 @@ protected:
         statuses.clear();
     }
 
-    /// Makes an archive by Python; `script` works on `z`, a zipfile.ZipFile, and may use `link(name, target)`.
+    /// Makes an archive by Python; `script` works on `z`, a zipfile.ZipFile, and may use `put(name, data, mode)`,
+    /// `link(name, target)`, `version()`, and `patch(change)` on the bytes of the finished archive.
     void givenArchive(const std::string& script) {
         const auto path = disk / "archive.zip";
         const std::string begin = "import sys, zipfile\n"
                                   "z = zipfile.ZipFile(sys.argv[1], 'w')\n"
-                                  "def link(name, target):\n"
+                                  "top = 'com.tarnwick.zuvo/'\n"
+                                  "def put(name, data='x', mode=0o100644, method=zipfile.ZIP_DEFLATED):\n"
                                   "    i = zipfile.ZipInfo(name)\n"
                                   "    i.create_system = 3\n"
-                                  "    i.external_attr = 0o120777 << 16\n"
-                                  "    z.writestr(i, target)\n";
+                                  "    i.external_attr = mode << 16\n"
+                                  "    i.compress_type = method\n"
+                                  "    z.writestr(i, data)\n"
+                                  "def link(name, target):\n"
+                                  "    put(name, target, 0o120777)\n"
+                                  "def version():\n"
+                                  "    put(top + 'version.json', '{\"version\":\"0.2\"}')\n"
+                                  "def patch(change):\n"
+                                  "    z.close()\n"
+                                  "    d = bytearray(open(sys.argv[1], 'rb').read())\n"
+                                  "    open(sys.argv[1], 'wb').write(change(d) or d)\n";
         ProcessRequest request;
         request.program = "/usr/bin/python3";
         request.arguments = {"-c", begin + script + "\nz.close()\n", path};

@@ -24,6 +24,9 @@ QNetworkRequest requestFor(const QUrl& url, const DownloadLimits& limits) {
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     request.setTransferTimeout(static_cast<int>(limits.silence.count()));
+    // Setting it also switches off the network access's own decoding, which takes a truncated gzip stream for an empty
+    // answer.
+    request.setRawHeader("Accept-Encoding", "identity");
     return request;
 }
 
@@ -59,6 +62,19 @@ void take(Transfer& transfer, QNetworkReply& reply) {
         reply.abort();
 }
 
+/// Why a finished answer is not the whole file; empty if it is. The network access takes a connection that closes in
+/// the middle of an answer for the answer's end if both come together, in chunks as well; so only a length that the
+/// server stated, or the frames of HTTP/2, show that all has come.
+std::string bodyFailure(const QNetworkReply& reply, std::int64_t received) {
+    const auto encoding = reply.rawHeader("Content-Encoding").trimmed().toLower();
+    if (!encoding.isEmpty() && encoding != "identity")
+        return "The download came encoded, which was not asked for";
+    const auto length = reply.header(QNetworkRequest::ContentLengthHeader);
+    if (!length.isValid() && !reply.attribute(QNetworkRequest::Http2WasUsedAttribute).toBool())
+        return "The server does not say how long the download is";
+    return length.isValid() && length.toLongLong() != received ? "The download ended early" : "";
+}
+
 /// Awaits the reply's end; it has failed if `failure` of the transfer says so.
 QCoro::Task<> receive(QNetworkReply* reply, Transfer* transfer) {
     QPromise<void> ended;
@@ -73,10 +89,13 @@ QCoro::Task<> receive(QNetworkReply* reply, Transfer* transfer) {
     co_await ended.future();
     if (!redirectOf(*reply).isEmpty() || !transfer->failure.empty())
         co_return;
-    if (isWholeAnswer(*reply))
-        take(*transfer, *reply);
-    else
+    if (!isWholeAnswer(*reply)) {
         transfer->failure = replyFailure(*reply);
+        co_return;
+    }
+    take(*transfer, *reply);
+    if (transfer->failure.empty())
+        transfer->failure = bodyFailure(*reply, transfer->written);
 }
 
 QCoro::Task<DownloadOutcome> fetchFile(std::string address, std::string path, DownloadLimits limits) {

@@ -26,7 +26,8 @@ public:
     Downloader(const Downloader&) = delete;
     Downloader& operator=(const Downloader&) = delete;
 
-    /// Writes what `url` answers, of whatever status, to the file `path`. After a failure no part of it is left, and a
+    /// Writes what `url` answers, of whatever status, to the file `path`. An answer that ended early, came encoded, or
+    /// does not state its length (HTTP/2 apart) is a failure. After a failure no part of it is left, and a
     /// file that was there before stays. Never fails as a coroutine. The task does not need the object once it has
     /// started.
     virtual QCoro::Task<DownloadOutcome> fetch(std::string url, std::string path) = 0;
@@ -34,12 +35,13 @@ public:
 
 /// What a download is broken off at.
 struct DownloadLimits {
-    std::int64_t bytes = 512LL * 1024 * 1024;  ///< a longer answer is a failure
+    std::int64_t bytes = 64LL * 1024 * 1024;   ///< a longer answer is a failure
     std::chrono::milliseconds silence{60'000}; ///< the longest time without a byte
     int redirects = 16;                        ///< more of them in a row are a failure
 };
 
-/// The platform's network access. The request has no headers of ours and carries no cookie. Redirects are followed,
+/// The platform's network access. The request asks for an answer that is not compressed, has no other header of ours
+/// and carries no cookie. Redirects are followed,
 /// here alone, to where `isDownloadAddress` holds. The network access may ask once more where a connection closes
 /// unanswered: unlike a request to a paid service, that costs nothing.
 class NetworkDownloader final : public Downloader {

@@ -69,8 +69,32 @@ std::optional<std::vector<std::string>> listFolder(const std::string& path) {
     return names;
 }
 
+namespace {
+
+/// Gives the owner of the folder, and of those in it, the right to remove what is in them. Links are not followed.
+void makeRemovable(const std::string& path) {
+    std::vector<fs::path> folders{path};
+    while (!folders.empty()) {
+        const auto folder = std::move(folders.back());
+        folders.pop_back();
+        std::error_code error;
+        if (fs::symlink_status(folder, error).type() != fs::file_type::directory)
+            continue;
+        fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, error);
+        for (fs::directory_iterator entries(folder, error); !error && entries != fs::directory_iterator();
+             entries.increment(error))
+            folders.push_back(entries->path());
+    }
+}
+
+} // namespace
+
 bool removeTree(const std::string& path) {
     std::error_code error;
+    fs::remove_all(path, error);
+    if (!error)
+        return true;
+    makeRemovable(path);
     fs::remove_all(path, error);
     return !error;
 }

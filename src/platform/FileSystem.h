@@ -29,8 +29,8 @@ void makePrivate(const std::string& path);
 /// The names in a folder, in the order in which the system lists them; nothing if it cannot be listed.
 [[nodiscard]] std::optional<std::vector<std::string>> listFolder(const std::string& path);
 
-/// Removes a file, or a folder with everything in it. A link is removed, not what it points to. True if nothing is left
-/// there.
+/// Removes a file, or a folder with everything in it. A link is removed, not what it points to. Folders
+/// whose owner may not change them are removed as well. True if nothing is left there.
 bool removeTree(const std::string& path);
 
 /// Copies a file of ours, which is small; false if that fails or the target is there already. The copy is whole or it

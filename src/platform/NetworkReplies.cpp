@@ -21,6 +21,7 @@ bool isWholeAnswer(const QNetworkReply& reply) {
     const auto status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (!status.isValid())
         return false;
+    constexpr int firstFailureStatus = 400;
     // A redirect that asks for the body once more: nobody sends it, but the network access finds that it could not.
     constexpr int temporaryRedirect = 307;
     constexpr int permanentRedirect = 308;
@@ -35,6 +36,9 @@ bool isWholeAnswer(const QNetworkReply& reply) {
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolFailure:
         return false;
+    case QNetworkReply::UnknownContentError:
+        // A 4xx status that has no error of its own, or an answer that could not be decoded.
+        return status.toInt() >= firstFailureStatus;
     default:
         // From here on the errors stand for statuses; below it for what went wrong on the way.
         return reply.error() >= QNetworkReply::ContentAccessDenied;

@@ -1,10 +1,12 @@
 #include "plugin/AdministratorScripts.h"
 
 #include "base/Paths.h"
+#include "base/Text.h"
 #include "platform/ForeignWords.h"
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace zuvo {
 
@@ -22,6 +24,11 @@ std::string parentOf(const std::string& path) {
     return path.substr(0, path.find_last_of('/'));
 }
 
+/// The line as it is in the script's own text.
+std::string escaped(const std::string& line) {
+    return replaceAll(replaceAll(line, "\\", R"(\\)"), "\"", R"(\")");
+}
+
 /// A double quote as it stands in the script's own text.
 constexpr const char* quote = R"(\")";
 
@@ -35,6 +42,45 @@ std::string escapedJson(const std::array<std::pair<std::string, std::string>, Co
         json += quote + key + quote + ":" + quote + value + quote;
     }
     return json + "}";
+}
+
+std::string replacementLine(const std::string& pluginFolder, const std::string& extracted) {
+    return "rm -rf " + quoted(pluginFolder) + " && cp -R " + quoted(extracted + "/" + lastPathComponent(pluginFolder)) +
+           " " + quoted(parentOf(pluginFolder));
+}
+
+// Pieces of the line that replaces the plugin by a checked copy. The working folder is root's own by then: whoever may
+// rename it cannot change what is in it.
+
+/// Sets $h to the system's program for SHA-256.
+std::string hashChoice() {
+    return "h='shasum -a 256'; if command -v sha256sum >/dev/null; then h=sha256sum; fi; ";
+}
+
+/// Runs at the end, whatever that is: after a failure puts the old plugin back, or removes what was copied if there was
+/// none, and removes root's folder unless the old plugin had to stay in it.
+std::string endingFunction(const std::string& plugin) {
+    const std::string restoring = "if [ -e old ]; then rm -rf " + plugin + " && mv old " + plugin +
+                                  R"( || { echo "The old plugin was kept in $t/old" >&2; exit $s; }; )" +
+                                  R"(elif [ "$copying" ]; then rm -rf )" + plugin + "; fi";
+    return R"(t=; inside=; copying=; ending() { s=$?; trap - EXIT; if [ $s -ne 0 ] && [ "$inside" ]; then )" +
+           restoring + R"(; fi; [ -z "$t" ] || rm -rf "$t"; exit $s; }; )";
+}
+
+/// Writes what `manifestOf` describes, not yet sorted. Each kind of line gets its letter line by line, so that a name
+/// with a line end cannot pass for a line of another kind.
+std::string manifestFunction(const std::string& name) {
+    const std::string linkLines =
+        R"sh(while IFS= read -r l; do printf '%s -> %s\n' "$l" "$(readlink "$l")"; done | sed 's/^/l /')sh";
+    return "manifest() { find " + name + " -type d | sed 's/^/d /'; find " + name + " -type l | " + linkLines +
+           "; find " + name + " -type f -exec $h {} + | sed 's/^/f /'; find " + name +
+           " -type f -perm -100 | sed 's/^/x /'; }; ";
+}
+
+std::string checkOfCopy(const std::string& name, const std::string& manifestSha256) {
+    return "{ { [ -z \"$(find " + name + " ! -type d ! -type f ! -type l -o -name '*[[:cntrl:]]*')\" ] && " +
+           "[ \"$(manifest | sort | $h)\" = " + quoted(manifestSha256 + "  -") + " ]; } || " +
+           "{ echo 'The update was changed after it was checked' >&2; false; }; }";
 }
 
 } // namespace
@@ -57,9 +103,28 @@ std::string removalScript(const std::string& path) {
 }
 
 std::string replacementScript(const std::string& pluginFolder, const std::string& extracted) {
-    return administratorScript("rm -rf " + quoted(pluginFolder) + " && cp -R " +
-                               quoted(extracted + "/" + lastPathComponent(pluginFolder)) + " " +
-                               quoted(parentOf(pluginFolder)));
+    return administratorScript(replacementLine(pluginFolder, extracted));
+}
+
+std::string checkedReplacementScript(const std::string& pluginFolder, const std::string& extracted,
+                                     const std::string& manifestSha256) {
+    const auto plugin = quoted(pluginFolder);
+    const auto name = quoted(lastPathComponent(pluginFolder));
+    const std::vector<std::string> steps = {
+        "t=$(mktemp -d " + quoted(parentOf(pluginFolder) + "/.zuvo-update.XXXXXX") + ")",
+        R"(cd "$t")",
+        "inside=1",
+        "cp -RP " + quoted(extracted + "/" + lastPathComponent(pluginFolder)) + " .",
+        checkOfCopy(name, manifestSha256),
+        "chmod -R u-s,g-s,u+rwX,go+rX,go-w " + name,
+        "{ [ ! -e " + plugin + " ] || mv " + plugin + " old; }",
+        "copying=1",
+        // From here on all is as it was ever done, within root's folder.
+        replacementLine(pluginFolder, "."),
+    };
+    const std::string line = "LC_ALL=C; export LC_ALL; umask 022; " + hashChoice() + endingFunction(plugin) +
+                             manifestFunction(name) + "trap ending EXIT; trap 'exit 1' HUP INT TERM; ";
+    return administratorScript(escaped(line + join(steps, " && ")));
 }
 
 std::optional<std::string> pathRefusal(const std::string& path) {

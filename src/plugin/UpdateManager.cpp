@@ -1,11 +1,13 @@
 #include "plugin/UpdateManager.h"
 
+#include "base/Paths.h"
 #include "model/PluginVersion.h"
-#include "platform/FileSystem.h"
 #include "plugin/AdministratorScripts.h"
-#include "plugin/ArchiveLinks.h"
 #include "plugin/TaskFailure.h"
+#include "plugin/UnpackedUpdate.h"
+#include "plugin/UpdateArchive.h"
 #include "plugin/UpdateError.h"
+#include "plugin/WorkFolder.h"
 
 #include <QPointer>
 #include <filesystem>
@@ -22,85 +24,88 @@ constexpr double downloaded = 0.5;
 constexpr double unpacked = 0.8;
 constexpr double installed = 1.0;
 
-/// Where an update lies while it is installed.
-struct WorkFolder {
-    std::string path;
-
-    [[nodiscard]] std::string partialArchive() const { return path + "/plugin-update.download"; }
-    [[nodiscard]] std::string archive() const { return path + "/plugin-update.zip"; }
-    [[nodiscard]] std::string extracted() const { return path + "/extracted"; }
-};
-
 // The steps of an installation fail by throwing an exception with the words for the user. Those that wait take all they
 // need as arguments, so that they outlive the manager.
 
-void makeFolder(const std::string& path) {
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (!error && !fs::is_directory(path, error) && !error)
-        error = std::make_error_code(std::errc::not_a_directory);
-    if (error)
-        throw std::runtime_error("The folder " + path + " cannot be made: " + error.message());
+[[noreturn]] void refuse(const std::string& words) {
+    throw UpdateError::installFailed(words);
 }
 
-/// An empty folder, made anew.
-WorkFolder makeWorkFolder(const UpdateMeans& means) {
+std::shared_ptr<const WorkFolder> makeWorkFolder(const UpdateMeans& means) {
     const auto temporaryFolder = means.temporaryFolder();
     if (!temporaryFolder)
         throw std::runtime_error("The folder for temporary files cannot be made, or is another user's");
-    WorkFolder work{*temporaryFolder + "zuvo-update"};
-    removeTree(work.path);
-    makeFolder(work.path);
-    return work;
+    return std::make_shared<const WorkFolder>(*temporaryFolder);
 }
 
-QCoro::Task<> download(std::shared_ptr<Downloader> downloader, std::string url, WorkFolder work) {
-    const auto outcome = co_await downloader->fetch(std::move(url), work.partialArchive());
+QCoro::Task<> download(std::shared_ptr<Downloader> downloader, std::string url,
+                       std::shared_ptr<const WorkFolder> work) {
+    const auto outcome = co_await downloader->fetch(std::move(url), work->partialArchive());
     if (outcome.hasFailed())
         throw std::runtime_error(outcome.failure);
     std::error_code error;
-    fs::rename(work.partialArchive(), work.archive(), error);
+    fs::rename(work->partialArchive(), work->archive(), error);
     if (error)
         throw std::runtime_error("The download cannot be kept: " + error.message());
 }
 
-ProcessRequest unzipRequest(std::string unzip, const WorkFolder& work) {
-    ProcessRequest request;
-    request.program = std::move(unzip);
-    request.arguments = {"-o", work.archive(), "-d", work.extracted()};
-    request.hasNoTerminal = true; // where unzip would ask for an archive's password
-    return request;
+/// Fetches the signature of what `download` fetched, unless there is no key to check it by.
+QCoro::Task<> checkSignature(std::shared_ptr<Downloader> downloader, std::string url, std::string updateKey,
+                             std::shared_ptr<const WorkFolder> work) {
+    if (updateKey.empty())
+        co_return;
+    const auto outcome = co_await downloader->fetch(url + ".sig", work->signature());
+    if (outcome.hasFailed())
+        refuse("The update's signature cannot be fetched: " + outcome.failure);
+    if (!UpdateSignature(updateKey).isValid(work->archive(), work->signature()))
+        refuse("The update is not signed by its publisher");
 }
 
-QCoro::Task<> unpack(std::shared_ptr<ProcessRunner> processes, std::string unzip, WorkFolder work) {
-    makeFolder(work.extracted());
-    auto request = unzipRequest(std::move(unzip), work);
+/// The files in the archive, by `inspectUpdate`.
+std::map<std::string, std::uint64_t> inspect(const std::string& archive, const std::string& pluginDirectory) {
+    auto inspection = inspectUpdate(archive, lastPathComponent(pluginDirectory));
+    if (inspection.isRefused())
+        refuse(inspection.refusal);
+    return std::move(inspection.files);
+}
+
+QCoro::Task<> unpack(std::shared_ptr<ProcessRunner> processes, std::string unzip,
+                     std::shared_ptr<const WorkFolder> work) {
+    std::error_code error;
+    fs::create_directory(work->extracted(), error);
+    if (error)
+        throw std::runtime_error("The folder " + work->extracted() + " cannot be made: " + error.message());
+    ProcessRequest request;
+    request.program = std::move(unzip);
+    request.arguments = {"-o", work->archive(), "-d", work->extracted()};
+    request.hasNoTerminal = true; // where unzip would ask for an archive's password
     const auto ended = co_await processes->run(std::move(request));
-    // What could not be unpacked is missing then, which its installation finds.
+    // What could not be unpacked is missing then, which `replacementFor` finds.
     if (!ended.launched)
         throw std::runtime_error(ended.launchFailure);
 }
 
-/// Why an administrator must not copy from `extracted`; nothing if that is safe.
-std::optional<std::string> installationRefusal(const std::string& pluginDirectory, const std::string& extracted) {
-    auto refusal = pathRefusal(pluginDirectory);
-    if (!refusal)
-        refusal = pathRefusal(extracted);
-    if (!refusal)
-        refusal = archiveRefusal(extracted);
-    return refusal;
+/// The script that installs what was unpacked, exactly as it is now.
+std::string replacementFor(const std::string& pluginDirectory, const std::string& extracted,
+                           const std::map<std::string, std::uint64_t>& files) {
+    for (const auto& path : {pluginDirectory, extracted}) {
+        if (const auto refusal = pathRefusal(path))
+            refuse(*refusal);
+    }
+    if (const auto refusal = unpackedRefusal(extracted, files))
+        refuse(*refusal);
+    const auto manifest = manifestOf(extracted, lastPathComponent(pluginDirectory));
+    if (!manifest)
+        refuse("The update cannot be looked through");
+    return checkedReplacementScript(pluginDirectory, extracted, sha256Of(*manifest));
 }
 
-QCoro::Task<> replacePlugin(std::shared_ptr<AdministratorShell> administrator, std::string pluginDirectory,
-                            WorkFolder work) {
-    if (const auto refusal = installationRefusal(pluginDirectory, work.extracted()))
-        throw UpdateError::installFailed(*refusal);
-    auto source = replacementScript(pluginDirectory, work.extracted());
+QCoro::Task<> replacePlugin(std::shared_ptr<AdministratorShell> administrator, std::string source) {
     const auto outcome = co_await administrator->run(std::move(source));
     if (outcome.ending == AdministratorOutcome::Ending::couldNotCreate)
-        throw UpdateError::installFailed("Could not run installer");
+        refuse("Could not run installer");
     if (!outcome.hasSucceeded())
-        throw UpdateError::installFailed(outcome.failure.empty() ? "Install error" : outcome.failure);
+        refuse(outcome.failure.empty() ? "Install error" : outcome.failure);
 }
 
 struct VersionAnswer {
@@ -171,20 +176,23 @@ QCoro::Task<> UpdateManager::downloadAndInstall() {
 }
 
 QCoro::Task<> UpdateManager::installFrom(std::string url, UpdateMeans means, QPointer<UpdateManager> self) {
+    // Removed when the installation ends, in whatever way.
     const auto work = makeWorkFolder(means);
-    co_await download(means.downloader, std::move(url), work);
+    co_await download(means.downloader, url, work);
+    co_await checkSignature(means.downloader, std::move(url), means.updateKey, work);
     if (self.isNull())
         co_return;
     self->setProgress(downloaded);
     self->setStatusMessage("Installing update...");
+    const auto files = inspect(work->archive(), means.pluginDirectory);
     co_await unpack(means.processes, means.unzip, work);
     if (self.isNull())
         co_return;
     self->setProgress(unpacked);
-    co_await replacePlugin(means.administrator, means.pluginDirectory, work);
+    auto source = replacementFor(means.pluginDirectory, work->extracted(), files);
+    co_await replacePlugin(means.administrator, std::move(source));
     if (!self.isNull())
         self->endInstallation();
-    removeTree(work.path);
 }
 
 void UpdateManager::beginInstallation() {

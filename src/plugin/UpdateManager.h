@@ -5,6 +5,7 @@
 #include "platform/AdministratorShell.h"
 #include "platform/Download.h"
 #include "platform/Processes.h"
+#include "plugin/UpdateSignature.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -23,11 +24,14 @@ struct UpdateMeans {
     std::shared_ptr<ProcessRunner> processes;
     std::shared_ptr<AdministratorShell> administrator;
 
-    /// `Environment::temporaryFolder`: this user's own, since an administrator copies from there.
+    /// `Environment::temporaryFolder`: this user's own. Each attempt makes a folder in it and removes it at its end.
     std::function<std::optional<std::string>()> temporaryFolder;
 
     std::string pluginDirectory = Constants::Paths::pluginDirectory;
     std::string unzip = "/usr/bin/unzip";
+
+    /// The public key that updates must be signed for, in base64; without one they are not signed.
+    std::string updateKey = builtInUpdateKey();
 };
 
 /// Asks the service for a newer version of the Resolve plugin than the one that ships with this application, and
@@ -53,10 +57,15 @@ public:
     [[nodiscard]] const std::optional<std::string>& statusMessage() const { return m_statusMessage; }
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; } ///< last failure
 
+    /// Whether updates are checked against a key of their publisher.
+    [[nodiscard]] bool areUpdatesSigned() const { return !m_means.updateKey.empty(); }
+
     /// Asks the service for its newest version.
     QCoro::Task<> checkForUpdates();
 
-    /// Installs what the last check found. A `PluginManager` hears nothing of it.
+    /// Installs what the last check found. Nothing runs with an administrator's rights before the archive has been
+    /// found to be whole, signed (if this build has a key), within `updateLimits` and harmless, and what is installed
+    /// is what was checked. After a failure the old plugin is in its place. A `PluginManager` is not notified.
     QCoro::Task<> downloadAndInstall();
 
 Q_SIGNALS:

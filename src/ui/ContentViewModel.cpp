@@ -74,7 +74,7 @@ QObject* ContentViewModel::makePage(const QString& name) {
     if (name == QLatin1String("DashboardView"))
         return new DashboardViewModel(m_services.authManager, m_services.desktop, m_services.billingUrl, this);
     if (name == QLatin1String("UpdateView"))
-        return new UpdateViewModel(m_services.updateManager, this);
+        return new UpdateViewModel(m_services.updateManager, m_services.pluginManager, this);
     return nullptr;
 }
 

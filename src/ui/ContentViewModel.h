@@ -2,6 +2,7 @@
 
 #include "account/AuthManager.h"
 #include "platform/DesktopOpener.h"
+#include "plugin/PluginManager.h"
 #include "plugin/UpdateManager.h"
 #include "ui/MineViewModel.h"
 
@@ -19,6 +20,7 @@ namespace zuvo {
 struct ShellServices {
     std::shared_ptr<AuthManager> authManager;
     std::shared_ptr<UpdateManager> updateManager;
+    std::shared_ptr<PluginManager> pluginManager;
     std::shared_ptr<DesktopOpener> desktop;
     std::string billingUrl;
     std::function<MineTools()> makeMineTools; ///< new ones for each flow

@@ -9,7 +9,7 @@
 
 namespace zuvo {
 
-/// The page that installs and removes the Resolve plugin. No entry of the sidebar leads to it.
+/// The page that installs and removes the Resolve plugin. The Updates page opens it; no entry of the sidebar does.
 class InstallViewModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT

@@ -20,8 +20,14 @@ QCoro::Task<> installed(std::shared_ptr<UpdateManager> manager) {
 
 } // namespace
 
-UpdateViewModel::UpdateViewModel(std::shared_ptr<UpdateManager> manager, QObject* parent)
-    : QObject(parent), m_manager(std::move(manager)) {
+UpdateViewModel::UpdateViewModel(std::shared_ptr<UpdateManager> manager, std::shared_ptr<PluginManager> plugin,
+                                 QObject* parent)
+    : QObject(parent), m_manager(std::move(manager)), m_pluginManager(std::move(plugin)), m_plugin(m_pluginManager) {
+    m_pluginManager->detectInstallation();
+    connect(&m_plugin, &InstallViewModel::changed, this, &UpdateViewModel::pluginChanged);
+    // The managers know nothing of each other.
+    connect(m_manager.get(), &UpdateManager::isDownloadingChanged, this,
+            [this] { m_pluginManager->detectInstallation(); });
     auto* source = m_manager.get();
     connect(source, &UpdateManager::latestVersionChanged, this, &UpdateViewModel::changed);
     connect(source, &UpdateManager::updateAvailableChanged, this, &UpdateViewModel::changed);
@@ -74,6 +80,37 @@ QString UpdateViewModel::releaseNotes() const {
 
 QString UpdateViewModel::errorMessage() const {
     return shown(m_manager->errorMessage());
+}
+
+QString UpdateViewModel::unsignedNotice() const {
+    return m_manager->areUpdatesSigned()
+               ? QString()
+               : QStringLiteral("Updates are not signed: this build has no key to check them with.");
+}
+
+QString UpdateViewModel::pluginText() const {
+    if (!isPluginInstalled())
+        return QStringLiteral("The Resolve plugin is not installed");
+    return QStringLiteral("The Resolve plugin is installed: version ") + shown(m_pluginManager->installedVersion());
+}
+
+QString UpdateViewModel::pluginButtonText() const {
+    return isPluginInstalled() ? QStringLiteral("Manage Plugin") : QStringLiteral("Install Plugin");
+}
+
+void UpdateViewModel::openPlugin() {
+    setShowsPlugin(true);
+}
+
+void UpdateViewModel::closePlugin() {
+    setShowsPlugin(false);
+}
+
+void UpdateViewModel::setShowsPlugin(bool shows) {
+    if (m_showsPlugin == shows)
+        return;
+    m_showsPlugin = shows;
+    Q_EMIT pluginChanged();
 }
 
 void UpdateViewModel::check() {

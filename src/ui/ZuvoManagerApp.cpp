@@ -28,6 +28,7 @@ ZuvoManagerApp::ZuvoManagerApp(AppWorld world)
     ShellServices services;
     services.authManager = m_authManager;
     services.updateManager = m_updateManager;
+    services.pluginManager = m_pluginManager;
     services.desktop = m_world.desktop;
     services.billingUrl = m_client.addresses().billingURL;
     services.makeMineTools = [this] { return makeMineTools(); };

@@ -7,6 +7,7 @@
 #include <QPromise>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -21,6 +22,8 @@ class RecordingAdministratorShell final : public AdministratorShell {
 public:
     QCoro::Task<AdministratorOutcome> run(std::string appleScriptSource) override {
         sources.push_back(appleScriptSource);
+        if (meanwhile)
+            meanwhile();
         auto outcome = AdministratorOutcome();
         if (!m_plan.empty()) {
             outcome = std::move(m_plan.front());
@@ -47,13 +50,17 @@ public:
     }
 
     /// From now on the lines are really run, without any rights, by the shell of Linux with a pkexec that asks nobody.
-    /// A line that names a path outside of `folder` is refused.
+    /// A line that names a path outside of `folder` is refused. Programs in `folder`/bin are found before the system's.
     void runsWithin(const TemporaryFolder& folder, std::shared_ptr<ProcessRunner> processes) {
-        const auto pkexec = folder.write("fake-pkexec", "#!/bin/sh\nshift\nexec \"$@\"\n");
+        const auto pkexec =
+            folder.write("fake-pkexec", "#!/bin/sh\nshift\nPATH='" + (folder / "bin") + "':$PATH exec \"$@\"\n");
         std::filesystem::permissions(pkexec, std::filesystem::perms::owner_all);
         m_folder = folder.path();
         m_inner = std::make_shared<PolkitShell>(std::move(processes), pkexec);
     }
+
+    /// Called while the password would be asked for.
+    std::function<void()> meanwhile;
 
     std::vector<std::string> sources;
 

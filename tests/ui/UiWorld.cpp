@@ -31,6 +31,7 @@ void UiWorld::launch() {
     world.desktop = desktop;
     world.administrator = administrator;
     world.downloader = std::make_shared<NetworkDownloader>();
+    world.resourceFolder = resourceFolder;
     world.pluginDirectory = pluginDirectory();
     m_app = std::make_unique<ZuvoManagerApp>(std::move(world));
 }

@@ -47,7 +47,8 @@ public:
     std::shared_ptr<std::map<std::string, std::string>> keptVariables =
         std::make_shared<std::map<std::string, std::string>>();
     std::map<std::string, std::string>& variables = *keptVariables;
-    Platform platform; ///< may be changed before `launch`
+    Platform platform;                         ///< may be changed before `launch`
+    std::optional<std::string> resourceFolder; ///< of what ships with the application; before `launch`
 
     static constexpr const char* token = "zuvo_made-up-token";
 

@@ -1,3 +1,4 @@
+#include "platform/ResourceFolder.h"
 #include "ui/ShellFixture.h"
 #include "ui/UpdateViewModel.h"
 
@@ -137,6 +138,44 @@ TEST_F(UpdatesPageTest, anArchiveThatIsNoneIsAFailureAndTheOfferStays) {
     EXPECT_TRUE(driver->waitFor(errorView));
     EXPECT_TRUE(driver->waitFor(installButton));
     EXPECT_FALSE(driver->shows(QStringLiteral("installedNotice")));
+}
+
+TEST_F(UpdatesPageTest, aBuildWithoutAKeySaysThatUpdatesAreNotSigned) {
+    openPage();
+    EXPECT_TRUE(driver->showsText(QStringLiteral("Updates are not signed: this build has no key to check them with.")));
+}
+
+TEST_F(UpdatesPageTest, withoutAPluginOneCanBeInstalledFromHere) {
+    // A copy, since administrator's lines run only within the test's folder.
+    const auto shipped = resourceFolder(ownBuildTree().folder + "/src").value_or("missing");
+    std::filesystem::create_directories(world.disk() / "resources");
+    std::filesystem::copy(shipped + "/plugin", world.disk() / "resources/plugin",
+                          std::filesystem::copy_options::recursive);
+    world.resourceFolder = world.disk() / "resources";
+    openPage();
+    ASSERT_TRUE(driver->waitForText(QStringLiteral("The Resolve plugin is not installed")));
+    driver->click(QStringLiteral("pluginButton"));
+    ASSERT_TRUE(driver->waitForText(QStringLiteral("DaVinci Resolve Workflow Integration")));
+    EXPECT_FALSE(driver->shows(checkButton));
+    EXPECT_TRUE(driver->showsText(QStringLiteral("Not Installed")));
+    driver->click(QStringLiteral("installButton"));
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("reinstallButton")));
+    EXPECT_TRUE(std::filesystem::exists(world.pluginDirectory() + "/version.json"));
+    driver->click(QStringLiteral("pluginBackButton"));
+    ASSERT_TRUE(driver->waitForText(QStringLiteral("The Resolve plugin is installed: version 0.1.0-beta")));
+    EXPECT_TRUE(driver->showsText(QStringLiteral("Manage Plugin")));
+    EXPECT_TRUE(driver->shows(checkButton));
+}
+
+TEST_F(UpdatesPageTest, theKeyboardOpensThePluginsPageAndLeavesIt) {
+    openPage();
+    ASSERT_TRUE(waitForCheck());
+    ASSERT_TRUE(driver->tabTo(QStringLiteral("pluginButton")));
+    driver->press(Qt::Key_Return);
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("pluginBackButton")));
+    ASSERT_TRUE(driver->tabTo(QStringLiteral("pluginBackButton")));
+    driver->press(Qt::Key_Return);
+    EXPECT_TRUE(driver->waitFor(checkButton));
 }
 
 TEST_F(UpdatesPageTest, leavingThePageInTheMiddleOfACheckHarmsNothing) {

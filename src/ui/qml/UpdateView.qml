@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Zuvo
 
-/// Looks for a newer plugin and installs it.
+/// Looks for a newer plugin and installs it. The page of the plugin itself is opened from here.
 FocusScope {
     id: view
 
@@ -74,7 +74,8 @@ FocusScope {
     }
     ScrollPage {
         anchors.fill: parent
-        focus: true
+        visible: !view.model.showsPlugin
+        focus: visible
 
         Item {
             width: parent.width
@@ -123,6 +124,16 @@ FocusScope {
                 objectName: "latestRow"
                 name: "Latest"
                 version: view.model.latestVersion
+            }
+            Label {
+                objectName: "unsignedNotice"
+                width: parent.width
+                topPadding: Theme.spacing8
+                visible: text !== ""
+                text: view.model.unsignedNotice
+                wrapMode: Text.Wrap
+                font: Theme.caption()
+                color: Theme.textMuted
             }
         }
 
@@ -200,10 +211,63 @@ FocusScope {
             }
         }
 
+        GlassCard {
+            width: parent.width
+            spacing: Theme.spacing16
+            Notice {
+                symbolName: "puzzlepiece.extension.fill"
+                symbolColor: view.model.isPluginInstalled ? Theme.success : Theme.accent
+                title: "Plugin"
+                detail: view.model.pluginText
+            }
+            SecondaryButtonStyle {
+                objectName: "pluginButton"
+                width: parent.width
+                text: view.model.pluginButtonText
+                symbolName: "square.and.arrow.down.fill"
+                symbolSize: 13
+                onClicked: view.model.openPlugin()
+            }
+        }
+
         ErrorLine {
             objectName: "errorView"
             maximumWidth: parent.width
             text: view.model.errorMessage
         }
+    }
+
+    // The plugin's page, in files of its own that only its first showing loads.
+    Loader {
+        id: pluginPage
+        anchors.fill: parent
+        anchors.topMargin: backButton.height + 2 * backButton.y
+        focus: view.model.showsPlugin
+        Connections {
+            target: view.model
+            function onPluginChanged() { pluginPage.follow(); }
+        }
+        function follow() {
+            if (view.model.showsPlugin === (item !== null))
+                return;
+            if (view.model.showsPlugin)
+                setSource("InstallView.qml", { "model": view.model.plugin, "focus": true });
+            else
+                source = "";
+        }
+    }
+    SecondaryButtonStyle {
+        id: backButton
+        objectName: "pluginBackButton"
+        x: Theme.spacing20
+        y: Theme.spacing20
+        visible: view.model.showsPlugin
+        implicitHeight: 36
+        leftPadding: 16
+        rightPadding: 16
+        text: "Back to Updates"
+        symbolName: "arrow.left"
+        symbolSize: 13
+        onClicked: view.model.closePlugin()
     }
 }

@@ -177,7 +177,7 @@ TEST_F(Download, anEndlessAnswerIsBrokenOff) {
 }
 
 TEST_F(Download, theLimitsAreThoseOfAPlugin) {
-    EXPECT_EQ(DownloadLimits().bytes, 536'870'912);
+    EXPECT_EQ(DownloadLimits().bytes, 67'108'864);
     EXPECT_EQ(DownloadLimits().silence, 60s);
 }
 
@@ -206,6 +206,58 @@ TEST_F(Download, anAnswerThatBreaksOffIsAFailure) {
     server.then(answerAndClose("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf"));
     EXPECT_NE(fetch(), "");
     thenNothingIsLeft();
+}
+
+TEST_F(Download, anAnswerThatIsNotCompressedIsAskedFor) {
+    server.then(answer(httpAnswer(200, "")));
+    EXPECT_EQ(fetch(), "");
+    EXPECT_THAT(server.requests().at(0).header("Accept-Encoding"), ElementsAre("identity"));
+}
+
+TEST_F(Download, anAnswerThatCameCompressedAllTheSameIsAFailure) {
+    const std::string gzipHead("\x1F\x8B\x08\0\0\0\0\0\0\x03", 10);
+    // "hello" by gzip, whole; the same cut off; and a body that is not gzip at all.
+    const auto whole = gzipHead + std::string("\xCB\x48\xCD\xC9\xC9\x07\0\x86\xA6\x10\x36\x05\0\0\0", 15);
+    for (const auto& body : {whole, whole.substr(0, 14), std::string("not gzip")}) {
+        for (const auto* encoding : {"gzip", "deflate", "br", "GZIP"}) {
+            SCOPED_TRACE(encoding);
+            server.then(answerAndClose(httpAnswer(200, body, {"Content-Encoding: " + std::string(encoding)})));
+            EXPECT_EQ(fetch(), "The download came encoded, which was not asked for");
+            thenNothingIsLeft();
+        }
+    }
+    server.then(answer(httpAnswer(200, "plain", {"Content-Encoding: identity"})));
+    EXPECT_EQ(fetch(), "");
+}
+
+// Whether one that was cut is seen depends on the moment at which the connection closes, so none is taken.
+TEST_F(Download, anAnswerInPiecesIsAFailureWhereverItIsCut) {
+    const std::string head = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+    for (const auto* body : {"", "5", "5\r\n", "5\r\nhel", "5\r\nhello", "5\r\nhello\r\n", "5\r\nhello\r\n6\r\n"}) {
+        SCOPED_TRACE(body);
+        server.then(answerAndClose(head + body));
+        EXPECT_NE(fetch(), "");
+        thenNothingIsLeft();
+    }
+    server.then(answerAndClose(head + "5\r\nhello\r\n0\r\n\r\n"));
+    EXPECT_EQ(fetch(), "The server does not say how long the download is");
+    thenNothingIsLeft();
+}
+
+TEST_F(Download, anAnswerWithoutALengthIsAFailure) {
+    server.then(answerAndClose("HTTP/1.1 200 OK\r\n\r\nhello"));
+    EXPECT_EQ(fetch(), "The server does not say how long the download is");
+    thenNothingIsLeft();
+}
+
+TEST_F(Download, anAnswerShorterThanItsLengthIsAFailureWhereverItIsCut) {
+    const auto whole = httpAnswer(200, "hello");
+    for (std::size_t missing = 1; missing <= 5; ++missing) {
+        SCOPED_TRACE(missing);
+        server.then(answerAndClose(whole.substr(0, whole.size() - missing)));
+        EXPECT_NE(fetch(), "");
+        thenNothingIsLeft();
+    }
 }
 
 TEST_F(Download, aServerThatIsNotThereIsAFailure) {

@@ -7,7 +7,10 @@
 #include "model/PluginVersion.h"
 #include "platform/ResourceFolder.h"
 
+#include <QString>
+#include <QXmlStreamReader>
 #include <gmock/gmock.h>
+#include <map>
 #include <regex>
 
 using namespace zuvo;
@@ -46,4 +49,42 @@ TEST(ShippedPlugin, itsPageHasOneLinkWhichOpensTheApplication) {
 TEST(ShippedPlugin, itsPageFetchesNothing) {
     const auto page = shipped("index.html");
     EXPECT_THAT(page, testing::Not(testing::ContainsRegex("src=|url\\(|http|<script|<link")));
+}
+
+TEST(ShippedPlugin, resolveFindsItByItsManifestAndStartsTheFileThatIsThere) {
+    QXmlStreamReader xml(QString::fromStdString(shipped("manifest.xml")));
+    ASSERT_TRUE(xml.readNextStartElement());
+    EXPECT_EQ(xml.name(), QStringLiteral("BlackmagicDesign"));
+    ASSERT_TRUE(xml.readNextStartElement());
+    EXPECT_EQ(xml.name(), QStringLiteral("Plugin"));
+    std::map<std::string, std::string> fields;
+    while (xml.readNextStartElement()) {
+        const auto name = xml.name().toString().toStdString();
+        fields[name] = xml.readElementText().toStdString();
+    }
+    EXPECT_FALSE(xml.hasError());
+    const std::string folder = Constants::Paths::pluginDirectory;
+    EXPECT_EQ(fields["Id"], folder.substr(folder.find_last_of('/') + 1));
+    EXPECT_EQ(fields["Name"], "Zuvo");
+    EXPECT_EQ(fields["Version"], Constants::App::pluginVersion);
+    EXPECT_EQ(fields["FilePath"], "main.js");
+    EXPECT_EQ(fields.size(), 5U); // and a description
+    EXPECT_NE(shipped("main.js"), "missing");
+}
+
+TEST(ShippedPlugin, electronFindsTheSameFileByThePackage) {
+    const auto package = parseForeignJson(shipped("package.json"));
+    ASSERT_TRUE(package);
+    EXPECT_EQ(readText(*package, "name"), "com.tarnwick.zuvo");
+    EXPECT_EQ(readText(*package, "version"), Constants::App::pluginVersion);
+    EXPECT_EQ(readText(*package, "main"), "main.js");
+}
+
+TEST(ShippedPlugin, itNeedsNoModuleBesideElectronsOwn) {
+    const auto program = shipped("main.js");
+    const std::regex required("require\\('([^']*)'\\)");
+    std::vector<std::string> modules;
+    for (std::sregex_iterator match(program.begin(), program.end(), required), end; match != end; ++match)
+        modules.push_back((*match)[1]);
+    EXPECT_THAT(modules, testing::ElementsAre("path", "electron"));
 }

@@ -6,6 +6,7 @@
 #include "fakes/RecordingAdministratorShell.h"
 #include "fakes/TemporaryFolder.h"
 
+#include <algorithm>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -41,12 +42,16 @@ public:
 class PlannedDownloader final : public Downloader {
 public:
     QCoro::Task<DownloadOutcome> fetch(std::string url, std::string path) override {
-        urls.push_back(std::move(url));
+        urls.push_back(url);
+        if (url.ends_with(".sig"))
+            return give(signatureOutcome, signature, std::move(path), held);
         return give(outcome, archive, std::move(path), held);
     }
 
     DownloadOutcome outcome;
     std::string archive; ///< path of the file to give; empty for a file that is no archive
+    DownloadOutcome signatureOutcome;
+    std::string signature; ///< the same for an address that ends in ".sig"
     std::vector<std::string> urls;
     std::shared_ptr<QPromise<void>> held;
 
@@ -92,6 +97,7 @@ protected:
         addresses.baseURL = "https://service.test/api/v1";
         UpdateMeans means{APIClient(service, addresses),     downloader, processes, shell, temporaryFolder,
                           disk / "plugins/com.tarnwick.zuvo"};
+        means.updateKey = updateKey;
         manager = std::make_unique<UpdateManager>(std::move(means));
         const auto* source = manager.get();
         QObject::connect(source, &UpdateManager::downloadProgressChanged,
@@ -112,16 +118,27 @@ protected:
         statuses.clear();
     }
 
-    /// Makes an archive by Python; `script` works on `z`, a zipfile.ZipFile, and may use `link(name, target)`.
+    /// Makes an archive by Python; `script` works on `z`, a zipfile.ZipFile, and may use `put(name, data, mode)`,
+    /// `link(name, target)`, `version()`, and `patch(change)` on the bytes of the finished archive.
     void givenArchive(const std::string& script) {
         const auto path = disk / "archive.zip";
         const std::string begin = "import sys, zipfile\n"
                                   "z = zipfile.ZipFile(sys.argv[1], 'w')\n"
-                                  "def link(name, target):\n"
+                                  "top = 'com.tarnwick.zuvo/'\n"
+                                  "def put(name, data='x', mode=0o100644, method=zipfile.ZIP_DEFLATED):\n"
                                   "    i = zipfile.ZipInfo(name)\n"
                                   "    i.create_system = 3\n"
-                                  "    i.external_attr = 0o120777 << 16\n"
-                                  "    z.writestr(i, target)\n";
+                                  "    i.external_attr = mode << 16\n"
+                                  "    i.compress_type = method\n"
+                                  "    z.writestr(i, data)\n"
+                                  "def link(name, target):\n"
+                                  "    put(name, target, 0o120777)\n"
+                                  "def version():\n"
+                                  "    put(top + 'version.json', '{\"version\":\"0.2\"}')\n"
+                                  "def patch(change):\n"
+                                  "    z.close()\n"
+                                  "    d = bytearray(open(sys.argv[1], 'rb').read())\n"
+                                  "    open(sys.argv[1], 'wb').write(change(d) or d)\n";
         ProcessRequest request;
         request.program = "/usr/bin/python3";
         request.arguments = {"-c", begin + script + "\nz.close()\n", path};
@@ -154,7 +171,28 @@ protected:
     void thenRefused(const std::string& words) const {
         thenFailed("Install failed: " + words);
         EXPECT_THAT(shell->sources, testing::IsEmpty());
+        thenTheOldPluginIsThere();
+    }
+
+    /// The old plugin is whole, and nothing is left beside it or in the temporary folder.
+    void thenTheOldPluginIsThere() const {
         EXPECT_EQ(disk.read("plugins/com.tarnwick.zuvo/version.json"), R"({"version":"0.1.0-beta"})");
+        EXPECT_THAT(namesIn("plugins/com.tarnwick.zuvo"), testing::ElementsAre("version.json"));
+        EXPECT_THAT(namesIn("plugins"), testing::ElementsAre("com.tarnwick.zuvo"));
+        EXPECT_THAT(namesIn("private"), testing::IsEmpty());
+    }
+
+    [[nodiscard]] std::vector<std::string> namesIn(const std::string& folder) const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(disk / folder))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    /// Where the running attempt has unpacked the archive.
+    [[nodiscard]] std::string unpacked(const std::string& name) const {
+        return "private/" + namesIn("private").at(0) + "/extracted/com.tarnwick.zuvo/" + name;
     }
 
     bool exists(const std::string& name) const {
@@ -167,6 +205,7 @@ protected:
     std::shared_ptr<RecordingRunner> processes = std::make_shared<RecordingRunner>();
     std::shared_ptr<RecordingAdministratorShell> shell = std::make_shared<RecordingAdministratorShell>();
     std::function<std::optional<std::string>()> temporaryFolder = [this] { return disk / "private/"; };
+    std::string updateKey;
     std::vector<double> progress;
     std::vector<std::string> statuses;
     int downloadingChanges = 0;

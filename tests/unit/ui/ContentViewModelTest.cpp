@@ -42,6 +42,7 @@ protected:
         ShellServices shell;
         shell.authManager = manager;
         shell.updateManager = updates;
+        shell.pluginManager = std::make_shared<PluginManager>(nullptr, std::nullopt, disk / "plugins/zuvo");
         shell.desktop = desktop;
         shell.billingUrl = "https://service.test/billing";
         shell.makeMineTools = [this] {

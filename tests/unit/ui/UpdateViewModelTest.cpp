@@ -4,7 +4,7 @@
 #include "fakes/RecordingAdministratorShell.h"
 #include "model/Constants.h"
 
-#include <fstream>
+#include <filesystem>
 
 using namespace zuvo;
 using namespace zuvo::tests;
@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Downloads an empty archive, or fails in words.
+/// Downloads the test's archive, or fails with words.
 class PlannedDownloads final : public Downloader {
 public:
     explicit PlannedDownloads(std::shared_ptr<CallCounter> calls) : m_calls(std::move(calls)) {}
@@ -23,12 +23,13 @@ public:
         const auto calls = m_calls;
         co_await calls->turn();
         if (!outcome.hasFailed())
-            std::ofstream(path) << "an archive";
+            std::filesystem::copy_file(archive, path);
         co_return outcome;
     }
 
     std::vector<std::string> urls;
     DownloadOutcome planned;
+    std::string archive; ///< its path
 
 private:
     std::shared_ptr<CallCounter> m_calls;
@@ -38,11 +39,25 @@ class UpdatePage : public AccountPageTest {
 protected:
     UpdatePage() {
         UpdateMeans means{client(), downloads, processes, administrator, {}};
-        means.temporaryFolder = [this] { return std::optional(disk.makeFolder("private")); };
+        means.temporaryFolder = [this] { return std::optional(disk.makeFolder("private") + "/"); };
         means.pluginDirectory = disk / "plugins/com.tarnwick.zuvo";
-        processes->when(call("unzip", {}), printed(""));
+        means.updateKey.clear();
         updates = std::make_shared<UpdateManager>(std::move(means));
-        page = std::make_unique<UpdateViewModel>(updates);
+        plugin = std::make_shared<PluginManager>(administrator, std::nullopt, disk / "plugins/com.tarnwick.zuvo");
+        makeArchive();
+        page = std::make_unique<UpdateViewModel>(updates, plugin);
+    }
+
+    void makeArchive() {
+        downloads->archive = disk / "plugin.zip";
+        ProcessRequest request;
+        request.program = "/usr/bin/python3";
+        request.arguments = {"-c",
+                             "import sys, zipfile\n"
+                             "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+                             "    z.writestr('com.tarnwick.zuvo/version.json', '{\"version\":\"9.1\"}')",
+                             downloads->archive};
+        ASSERT_TRUE(runToEnd(ChildProcessRunner().run(std::move(request))).succeeded);
     }
 
     void check(const std::string& versionAsJson) {
@@ -65,9 +80,10 @@ protected:
     }
 
     std::shared_ptr<PlannedDownloads> downloads = std::make_shared<PlannedDownloads>(calls);
-    std::shared_ptr<FakeProcessRunner> processes = std::make_shared<FakeProcessRunner>(calls);
+    std::shared_ptr<ChildProcessRunner> processes = std::make_shared<ChildProcessRunner>();
     std::shared_ptr<RecordingAdministratorShell> administrator = std::make_shared<RecordingAdministratorShell>();
     std::shared_ptr<UpdateManager> updates;
+    std::shared_ptr<PluginManager> plugin;
     std::unique_ptr<UpdateViewModel> page;
 };
 
@@ -226,5 +242,41 @@ TEST_F(UpdatePage, aPageThatIsGoneWhileItInstallsLetsTheInstallationEnd) {
     EXPECT_TRUE(waitUntil([this] { return !updates->isDownloading(); }));
     EXPECT_FALSE(updates->updateAvailable());
     // The next showing says what the installation asks for.
-    EXPECT_FALSE(UpdateViewModel(updates).installedNotice().isEmpty());
+    EXPECT_FALSE(UpdateViewModel(updates, plugin).installedNotice().isEmpty());
+}
+
+TEST_F(UpdatePage, withoutAPluginItOffersToInstallOne) {
+    EXPECT_EQ(page->pluginText(), QStringLiteral("The Resolve plugin is not installed"));
+    EXPECT_EQ(page->pluginButtonText(), QStringLiteral("Install Plugin"));
+    EXPECT_FALSE(page->showsPlugin());
+    page->openPlugin();
+    EXPECT_TRUE(page->showsPlugin());
+    EXPECT_FALSE(page->plugin()->isInstalled());
+    page->closePlugin();
+    EXPECT_FALSE(page->showsPlugin());
+}
+
+TEST_F(UpdatePage, withAPluginItNamesItsVersion) {
+    disk.write("plugins/com.tarnwick.zuvo/version.json", R"({"version":"0.7"})");
+    page = std::make_unique<UpdateViewModel>(updates, plugin); // looks again when it is shown
+    EXPECT_EQ(page->pluginText(), QStringLiteral("The Resolve plugin is installed: version 0.7"));
+    EXPECT_EQ(page->pluginButtonText(), QStringLiteral("Manage Plugin"));
+}
+
+TEST_F(UpdatePage, anUpdateThatWasInstalledIsSeen) {
+    administrator->runsWithin(disk, processes);
+    disk.makeFolder("plugins");
+    givenUpdate();
+    install();
+    EXPECT_EQ(page->errorMessage(), QString());
+    EXPECT_EQ(page->pluginText(), QStringLiteral("The Resolve plugin is installed: version 9.1"));
+}
+
+TEST_F(UpdatePage, updatesThatAreNotSignedAreSaidToBeSo) {
+    EXPECT_EQ(page->unsignedNotice(),
+              QStringLiteral("Updates are not signed: this build has no key to check them with."));
+    UpdateMeans means{client(), downloads, processes, administrator, {}};
+    means.updateKey = "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=";
+    const UpdateViewModel other(std::make_shared<UpdateManager>(std::move(means)), plugin);
+    EXPECT_EQ(other.unsignedNotice(), QString());
 }

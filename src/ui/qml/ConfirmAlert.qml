@@ -82,6 +82,7 @@ Controls.Popup {
         Controls.Label {
             width: parent.width
             text: alert.title
+            textFormat: Text.PlainText
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             font: Theme.headline()
@@ -90,6 +91,7 @@ Controls.Popup {
         Controls.Label {
             width: parent.width
             text: alert.message
+            textFormat: Text.PlainText
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             font: Theme.subheadline()

@@ -1,6 +1,5 @@
 #include "platform/HttpExchange.h"
 
-#include "model/Constants.h"
 #include "platform/Proxies.h"
 #include "platform/ServiceAddresses.h"
 #include "platform/Unpacking.h"
@@ -48,7 +47,7 @@ std::string requestHead(const HttpRequest& request, const QUrl& url) {
         namesProgram = namesProgram || name == "User-Agent";
     }
     if (!namesProgram)
-        head += std::string("User-Agent: Zuvo-Manager/") + Constants::App::version + "\r\n";
+        head += "User-Agent: Mozilla/5.0\r\n"; // says nothing; some gateways refuse a request without any
     return head +
            "Accept-Encoding: identity\r\nConnection: close\r\nContent-Length: " + std::to_string(request.body.size()) +
            "\r\n\r\n";

@@ -1,10 +1,13 @@
 #include "account/APIClient.h"
 
+#include "base/Secrets.h"
 #include "base/Text.h"
 #include "model/Constants.h"
+#include "platform/ForeignWords.h"
 
 #include <QString>
 #include <QUrl>
+#include <array>
 
 namespace zuvo {
 
@@ -20,6 +23,7 @@ HttpRequest preparedRequest(std::string url, const std::optional<std::string>& t
     prepared.url = std::move(url);
     prepared.method = std::move(method);
     prepared.timeout = timeout;
+    prepared.answerLimit = accountAnswerLimit;
     prepared.headers = {{"Content-Type", "application/json"},
                         {"User-Agent", std::string("Zuvo-Manager/") + Constants::App::version}};
     if (token)
@@ -35,6 +39,12 @@ Record decoded(const std::string& body) {
     if (!outcome.value)
         throw APIError::decodingError(std::move(outcome.failure));
     return std::move(*outcome.value);
+}
+
+/// What the service says, for a page: without the token, should it have repeated that.
+std::string wordsOf(const std::string& body, const std::optional<std::string>& token) {
+    const std::array keys = {token.value_or("")};
+    return pageText(withMaskedKeys(body, keys));
 }
 
 /// Tasks take all they need as arguments, so that they outlive the client that started them.
@@ -53,7 +63,8 @@ QCoro::Task<std::string> send(std::shared_ptr<HttpClient> http, AccountAddresses
     if (answer.status == 0)
         throw APIError::invalidResponse();
     if (!answer.isSuccess())
-        throw APIError::httpError(answer.status, isValidUtf8(answer.body) ? answer.body : "Unknown error");
+        throw APIError::httpError(answer.status,
+                                  isValidUtf8(answer.body) ? wordsOf(answer.body, token) : "Unknown error");
     co_return answer.body;
 }
 

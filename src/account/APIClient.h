@@ -16,8 +16,12 @@ namespace zuvo {
 /// The platform's own time-out.
 inline constexpr std::chrono::seconds platformTimeout{60};
 
-/// The client of the account service. It keeps nothing between requests, and each is sent once. Copies share the HTTP
-/// client. A task that runs needs neither the object nor its copy any more.
+/// Bytes of the longest answer of the account service.
+inline constexpr qint64 accountAnswerLimit = 1024LL * 1024;
+
+/// The client of the account service. Answers are limited to `accountAnswerLimit`, and the service's own words in a
+/// failure to those of `pageText`, with the token masked. It keeps nothing between requests, and each is sent once.
+/// Copies share the HTTP client. A task that runs needs neither the object nor its copy any more.
 ///
 /// Every operation fails by throwing an `APIError`. An address that `ZUVO_SERVICE_URL` names and that is refused is a
 /// networkError with the reason, before anything is sent.

@@ -25,25 +25,50 @@ std::optional<TokenFile> readTokenFile(const std::string& path) {
 
 } // namespace
 
-AuthManager::AuthManager(APIClient client, std::shared_ptr<DesktopOpener> desktop, std::string tokenFile)
-    : m_client(std::move(client)), m_desktop(std::move(desktop)), m_tokenFile(std::move(tokenFile)) {
+AuthManager::AuthManager(APIClient client, std::shared_ptr<DesktopOpener> desktop, std::string tokenFile, Clock clock)
+    : m_client(std::move(client)),
+      m_desktop(std::move(desktop)),
+      m_tokenFile(std::move(tokenFile)),
+      m_clock(std::move(clock)) {
     loadStoredToken();
 }
 
 void AuthManager::signIn() {
     const auto& addresses = m_client.addresses();
-    if (addresses.isRefused())
+    if (addresses.isRefused()) {
         setErrorMessage(addresses.refusal);
-    else
-        (void)m_desktop->openUrl(addresses.authURL);
+        return;
+    }
+    m_signInBegun = m_clock();
+    (void)m_desktop->openUrl(addresses.authURL);
 }
 
 QCoro::Task<void> AuthManager::signInWithToken(std::string token) {
     const QPointer<AuthManager> self(this);
     const auto trimmed = trimWhiteSpace(token);
-    if (trimmed.empty()) {
-        setErrorMessage("Please enter a valid token");
+    const auto user = co_await ownerOf(trimmed);
+    if (user && !self.isNull())
+        keepSignIn(trimmed, *user);
+}
+
+QCoro::Task<void> AuthManager::offerSignIn(std::string token) {
+    const QPointer<AuthManager> self(this);
+    const auto trimmed = trimWhiteSpace(token);
+    auto user = co_await ownerOf(trimmed);
+    if (!user || self.isNull())
         co_return;
+    auto ended = m_state;
+    ended.isLoading = false;
+    setState(std::move(ended));
+    if (!self.isNull())
+        setOffer(trimmed, std::move(user));
+}
+
+QCoro::Task<std::optional<UserInfo>> AuthManager::ownerOf(std::string trimmedToken) {
+    const QPointer<AuthManager> self(this);
+    if (trimmedToken.empty()) {
+        setErrorMessage("Please enter a valid token");
+        co_return std::nullopt;
     }
     auto waiting = m_state;
     waiting.isLoading = true;
@@ -53,24 +78,27 @@ QCoro::Task<void> AuthManager::signInWithToken(std::string token) {
     std::optional<UserInfo> user;
     std::string failure;
     try {
-        user = co_await m_client.validateToken(trimmed);
+        user = co_await m_client.validateToken(trimmedToken);
     } catch (const std::exception& error) { // an APIError; any other would leave `isLoading` set
         failure = error.what();
     }
-    if (self.isNull())
-        co_return;
-    if (user) {
-        if (const auto error = saveToken(trimmed, *user)) {
-            failure = error.message();
-            user.reset();
-        }
-    }
-    if (user)
-        setToken(trimmed);
-    auto ended = user ? signedInState(*user) : m_state;
-    ended.isLoading = false;
-    if (!user)
+    if (!user && !self.isNull()) {
+        auto ended = m_state;
+        ended.isLoading = false;
         ended.errorMessage = std::move(failure);
+        setState(std::move(ended));
+    }
+    co_return user;
+}
+
+void AuthManager::keepSignIn(const std::string& token, const UserInfo& user) {
+    const auto error = saveToken(token, user);
+    if (!error)
+        setToken(token);
+    auto ended = error ? m_state : signedInState(user);
+    ended.isLoading = false;
+    if (error)
+        ended.errorMessage = error.message();
     setState(std::move(ended));
 }
 
@@ -108,7 +136,39 @@ void AuthManager::handleCallback(const std::string& url) {
     auto token = tokenOfCallbackUrl(url);
     if (!token)
         return;
-    startTopLevelTask(this, "sign-in by link", [this, token = std::move(*token)] { return signInWithToken(token); });
+    if (wasSignInBegunLately())
+        startTopLevelTask(this, "sign-in by link",
+                          [this, token = std::move(*token)] { return signInWithToken(token); });
+    else
+        startTopLevelTask(this, "sign-in link of others",
+                          [this, token = std::move(*token)] { return offerSignIn(token); });
+}
+
+bool AuthManager::wasSignInBegunLately() const {
+    if (!m_signInBegun)
+        return false;
+    const std::chrono::milliseconds elapsed(m_signInBegun->msecsTo(m_clock()));
+    return elapsed >= std::chrono::milliseconds(0) && elapsed <= signInLinkPatience;
+}
+
+void AuthManager::acceptOfferedUser() {
+    const auto user = m_offeredUser;
+    const auto token = m_offeredToken;
+    const QPointer<AuthManager> self(this);
+    declineOfferedUser();
+    if (user && !self.isNull())
+        keepSignIn(token, *user);
+}
+
+void AuthManager::declineOfferedUser() {
+    if (m_offeredUser)
+        setOffer({}, std::nullopt);
+}
+
+void AuthManager::setOffer(std::string token, std::optional<UserInfo> user) {
+    m_offeredToken = std::move(token);
+    m_offeredUser = std::move(user);
+    Q_EMIT offeredUserChanged();
 }
 
 void AuthManager::loadStoredToken() {

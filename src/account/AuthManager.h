@@ -1,10 +1,12 @@
 #pragma once
 
 #include "account/APIClient.h"
+#include "platform/Clock.h"
 #include "platform/DesktopOpener.h"
 
 #include <QCoroTask>
 #include <QObject>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -12,6 +14,9 @@
 #include <system_error>
 
 namespace zuvo {
+
+/// How long after `AuthManager::signIn` a sign-in link is taken for its answer.
+inline constexpr std::chrono::minutes signInLinkPatience{10};
 
 /// Who is signed in. The token comes from the service by way of the browser, or is pasted by the user, and is kept in a
 /// file; name, credits and plan are the service's last answer. Nothing here is limited by them.
@@ -25,8 +30,10 @@ class AuthManager final : public QObject {
     Q_OBJECT
 public:
     /// Reads the token that `tokenFile` holds, if any, and has it refreshed once the event loop turns. A program makes
-    /// one manager and hands it to all that show it.
-    AuthManager(APIClient client, std::shared_ptr<DesktopOpener> desktop, std::string tokenFile);
+    /// one manager and hands it to all that show it. `clock` tells how long ago a sign-in was begun.
+    AuthManager(
+        APIClient client, std::shared_ptr<DesktopOpener> desktop, std::string tokenFile,
+        Clock clock = [] { return QDateTime::currentDateTime(); });
 
     /// True from an answer of the service to this token until `signOut`; a token that was read from the file counts
     /// only once the service has answered.
@@ -60,9 +67,16 @@ public:
     /// that a token outlives a time without a network.
     QCoro::Task<void> refreshUser();
 
-    /// Signs in with the token of a sign-in link (`tokenOfCallbackUrl`), once the event loop turns. Any other text is
-    /// passed over.
+    /// Takes a sign-in link (`tokenOfCallbackUrl`), once the event loop turns; any other text is passed over. Any page
+    /// and any program can open one: only within `signInLinkPatience` of a `signIn` does its token sign in. Else the
+    /// service is asked whose token it is, and `offeredUser` waits for the user's word.
     void handleCallback(const std::string& url);
+
+    /// Who a sign-in link that nobody here asked for would sign in; nothing of it is kept until it is accepted. A later
+    /// link takes the place of an earlier one.
+    [[nodiscard]] const std::optional<UserInfo>& offeredUser() const { return m_offeredUser; }
+    void acceptOfferedUser();  ///< signs that user in; does nothing without one
+    void declineOfferedUser(); ///< forgets user and token
 
 Q_SIGNALS:
     void isSignedInChanged();
@@ -72,6 +86,7 @@ Q_SIGNALS:
     void planChanged();
     void isLoadingChanged();
     void errorMessageChanged();
+    void offeredUserChanged();
 
 private:
     struct State {
@@ -85,6 +100,14 @@ private:
     };
 
     void loadStoredToken();
+    [[nodiscard]] bool wasSignInBegunLately() const;
+    QCoro::Task<void> offerSignIn(std::string token);
+    /// Asks the service whose token that is, with `isLoading` and `errorMessage` to match; nothing if it fails. After
+    /// it the manager may be gone.
+    QCoro::Task<std::optional<UserInfo>> ownerOf(std::string trimmedToken);
+    /// Keeps the token in the file and signs its owner in, or says why not.
+    void keepSignIn(const std::string& token, const UserInfo& user);
+    void setOffer(std::string token, std::optional<UserInfo> user);
     [[nodiscard]] std::error_code saveToken(const std::string& token, const UserInfo& user) const;
 
     /// Takes the state over as a whole, then tells what has changed.
@@ -99,6 +122,10 @@ private:
     std::optional<std::string> m_token;
     std::uint64_t m_tokenNumber = 0; ///< counts the tokens held, so that an answer knows if it is still meant
     State m_state;
+    Clock m_clock;
+    std::optional<QDateTime> m_signInBegun;
+    std::string m_offeredToken; ///< empty without an offered user
+    std::optional<UserInfo> m_offeredUser;
 };
 
 } // namespace zuvo

@@ -2,10 +2,13 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/Secrets.h"
 #include "base/Text.h"
 #include "model/FileLimits.h"
+#include "platform/ForeignWords.h"
 
 #include <QCoroTimer>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -66,23 +69,30 @@ std::string uploadBody(const std::string& boundary, const std::string& fileName,
     return body;
 }
 
-std::string jobIdOf(const HttpAnswer& answer) {
+/// What the service says, for a page, with the token masked should it have repeated that.
+std::string wordsOf(const std::string& text, const std::string& token) {
+    const std::array keys = {token};
+    return pageText(withMaskedKeys(text, keys));
+}
+
+std::string jobIdOf(const HttpAnswer& answer, const std::string& token) {
     if (answer.hasFailed())
         throw CloudProcessorError::uploadFailed(answer.failure);
     if (answer.status == 0)
         throw CloudProcessorError::uploadFailed("Invalid response");
     if (!answer.isSuccess())
-        throw CloudProcessorError::uploadFailed("HTTP " + std::to_string(answer.status) + ": " +
-                                                (isValidUtf8(answer.body) ? answer.body : "Unknown error"));
+        throw CloudProcessorError::uploadFailed(
+            "HTTP " + std::to_string(answer.status) + ": " +
+            (isValidUtf8(answer.body) ? wordsOf(answer.body, token) : "Unknown error"));
     auto decoded = decodeRecordText<wire::UploadResponse>(answer.body);
     if (!decoded.value)
         throw CloudProcessorError::uploadFailed(decoded.failure);
     return std::move(decoded.value->jobId);
 }
 
-/// Foreign words for standard output, from which the token is taken out should the service have repeated it.
+/// Foreign words for standard output.
 std::string printable(const std::string& failure, const std::string& token) {
-    return withoutControlCharacters(replaceAll(failure, token, "***"));
+    return withoutControlCharacters(wordsOf(failure, token));
 }
 
 void printFailedAttempt(int attempt, const std::string& failure) {
@@ -181,10 +191,11 @@ QCoro::Task<std::string> CloudProcessor::uploadAudio(std::string filePath, std::
                        {"Content-Type", "multipart/form-data; boundary=" + boundary}};
     request.body = uploadBody(boundary, lastPathComponent(filePath), *audio);
     request.timeout = m_client.timeout();
+    request.answerLimit = accountAnswerLimit;
     audio.reset();
     const auto http = m_client.http();
     const auto answer = co_await http->send(std::move(request));
-    auto jobId = jobIdOf(answer);
+    auto jobId = jobIdOf(answer, token);
     co_return jobId;
 }
 

@@ -1,4 +1,5 @@
 #include "app/Desktop.h"
+#include "app/OwnArguments.h"
 #include "app/Start.h"
 #include "model/Constants.h"
 #include "platform/ChildEnvironment.h"
@@ -77,10 +78,11 @@ bool isFirstStart(zuvo::SingleInstance& instance, const std::optional<std::strin
 } // namespace
 
 int main(int argc, char** argv) {
+    zuvo::OwnArguments arguments(argc, argv);
     zuvo::withstandBrokenStreams();
     zuvo::turnOffCoreDumps(zuvo::Inspection::desktopPortals);
     zuvo::withdrawKeys();
-    QGuiApplication application(argc, argv);
+    QGuiApplication application(arguments.count(), arguments.values());
     describe(application);
     const auto start = zuvo::parseStartArguments(QGuiApplication::arguments().mid(1));
     if (!start.refusal.isEmpty()) {

@@ -323,6 +323,9 @@ private:
     enum class KeyState { logged, notLogged };
     QCoro::Task<std::optional<std::string>> askModel(std::string prompt, KeyState keyState);
     void logKeyState(const std::string& key);
+    /// Logs a line that holds words of a service, with both keys masked: it may have repeated one.
+    void logForeign(const std::string& text, const char* color);
+    [[nodiscard]] std::string withoutKeys(const std::string& text) const;
     /// What is left of a reply once it is cleaned; nothing, with a line, if that cannot be read as text.
     std::optional<std::string> cleanedReply(const std::string& reply);
     void logDecodeFailure(const std::string& failure, const std::string& cleaned);

@@ -1,5 +1,6 @@
 // From a transcript to a story: the model chooses, and what it chose is measured against the sound.
 
+#include "base/Secrets.h"
 #include "base/Text.h"
 #include "pipeline/LocalPipeline.h"
 #include "platform/ServiceAddresses.h"
@@ -12,8 +13,7 @@ namespace zuvo {
 
 namespace {
 
-// User-perceived characters that are shown of what is foreign or secret.
-constexpr std::size_t shownKeyCharacters = 12;
+// User-perceived characters that are shown of what is foreign.
 constexpr std::size_t shownErrorCharacters = 300;
 constexpr std::size_t shownReplyCharacters = 200;
 constexpr std::size_t shownPreviewCharacters = 300;
@@ -78,18 +78,20 @@ QCoro::Task<std::optional<std::string>> LocalPipeline::askModel(std::string prom
         co_return std::nullopt;
     }
     if (!answer.isSuccess()) {
-        log("  Claude HTTP error: " + shown(answer.body, shownErrorCharacters, "unknown"), LogColor::accent);
+        log("  Claude HTTP error: " + shown(withoutKeys(answer.body), shownErrorCharacters, "unknown"),
+            LogColor::accent);
         co_return std::nullopt;
     }
     auto text = messagesReplyText(answer.body);
     if (!text)
-        log("  Claude response parse error: " + shown(answer.body, shownReplyCharacters, "empty"), LogColor::accent);
+        log("  Claude response parse error: " + shown(withoutKeys(answer.body), shownReplyCharacters, "empty"),
+            LogColor::accent);
     co_return text;
 }
 
 void LocalPipeline::logKeyState(const std::string& key) {
     if (!key.empty()) {
-        log("🔑 API key found (" + firstCharacters(key, shownKeyCharacters) + "...)", LogColor::dim);
+        log("🔑 API key found (" + shownBeginning(key) + "...)", LogColor::dim);
         return;
     }
     // The request is sent all the same, and the service's own words follow.
@@ -107,8 +109,8 @@ std::optional<std::string> LocalPipeline::cleanedReply(const std::string& reply)
 }
 
 void LocalPipeline::logDecodeFailure(const std::string& failure, const std::string& cleaned) {
-    log("  JSON decode error: " + failure, LogColor::accent);
-    log("  Response preview: " + firstCharacters(cleaned, shownPreviewCharacters) + "...", LogColor::dim);
+    logForeign("  JSON decode error: " + failure, LogColor::accent);
+    log("  Response preview: " + firstCharacters(withoutKeys(cleaned), shownPreviewCharacters) + "...", LogColor::dim);
 }
 
 std::optional<MiningResults> LocalPipeline::decodeReply(const std::string& reply) {

@@ -1,6 +1,7 @@
 // External tools and the keys of the model services.
 
 #include "base/Files.h"
+#include "base/Secrets.h"
 #include "base/Text.h"
 #include "model/FileLimits.h"
 #include "pipeline/LocalPipeline.h"
@@ -83,6 +84,15 @@ std::string LocalPipeline::anthropicKey() const {
     if (auto key = readKeyFromFile("anthropic"))
         return *key;
     return readKeyFromZshrc("ANTHROPIC_API_KEY").value_or("");
+}
+
+std::string LocalPipeline::withoutKeys(const std::string& text) const {
+    const std::array keys = {openaiKey(), anthropicKey()};
+    return withMaskedKeys(text, keys);
+}
+
+void LocalPipeline::logForeign(const std::string& text, const char* color) {
+    log(withoutKeys(text), color);
 }
 
 std::optional<std::string> LocalPipeline::readKeyFromFile(const std::string& service) const {

@@ -63,13 +63,14 @@ QCoro::Task<std::optional<WhisperResponse>> LocalPipeline::transcribeChunk(std::
         co_return std::nullopt;
     }
     if (!answer->isSuccess()) {
-        const auto text = isValidUtf8(answer->body) ? firstCharacters(answer->body, shownErrorCharacters) : "unknown";
+        const auto text =
+            isValidUtf8(answer->body) ? firstCharacters(withoutKeys(answer->body), shownErrorCharacters) : "unknown";
         log("  Whisper error: " + text, LogColor::accent);
         co_return std::nullopt;
     }
     auto decoded = decodeTranscription(answer->body);
     if (!decoded.value)
-        log("  Whisper request failed: " + decoded.failure, LogColor::accent);
+        logForeign("  Whisper request failed: " + decoded.failure, LogColor::accent);
     co_return decoded.value;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/Download.h"
 
 #include "platform/NetworkReplies.h"
+#include "platform/Proxies.h"
 
 #include <QCoroFuture>
 #include <QHostAddress>
@@ -113,6 +114,7 @@ QCoro::Task<DownloadOutcome> fetchFile(std::string address, std::string path, Do
             co_return outcome;
         }
         Transfer transfer{file, limits.bytes};
+        manager.setProxy(proxyFor(url));
         auto* reply = manager.get(requestFor(url, limits));
         co_await receive(reply, &transfer);
         outcome.failure = transfer.failure;

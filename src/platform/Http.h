@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCoroTask>
-#include <QNetworkReply>
 #include <QObject>
 #include <QPointer>
 #include <chrono>
@@ -10,6 +9,9 @@
 #include <vector>
 
 namespace zuvo {
+
+/// Bytes of the longest answer that any request takes.
+inline constexpr qint64 httpAnswerLimit = 64LL * 1024 * 1024;
 
 /// One request to a service.
 struct HttpRequest {
@@ -21,10 +23,10 @@ struct HttpRequest {
     std::chrono::milliseconds timeout{0};
 
     std::string method = "POST";
-};
 
-/// A longer answer, in bytes, is a failure of the request.
-inline constexpr qint64 httpAnswerLimit = 64LL * 1024 * 1024;
+    /// A longer answer, in bytes, is a failure of the request.
+    qint64 answerLimit = httpAnswerLimit;
+};
 
 /// Either an HTTP answer of any status, or a failure in words.
 struct HttpAnswer {
@@ -45,12 +47,16 @@ public:
     virtual QCoro::Task<HttpAnswer> send(HttpRequest request) = 0;
 };
 
-/// The platform's network access. Each request has a connection of its own: one that was kept may be closed by the
-/// service in the very moment in which the next request goes out, which then fails without having arrived.
+class HttpExchange;
+
+/// HTTP/1.1 over the platform's sockets. Each request has a connection of its own: one that was kept may be closed by
+/// the service in the very moment in which the next request goes out, which then fails without having arrived. A
+/// service may answer before the request has come in whole, and break off the connection: that is an answer like any
+/// other. Proxies are those of `proxyFor`.
 class NetworkHttpClient final : public HttpClient {
     Q_OBJECT
 public:
-    /// An answer of more than `answerLimit` bytes is a failure.
+    /// An answer of more than `answerLimit` bytes, or than the request's own limit, is a failure.
     explicit NetworkHttpClient(qint64 answerLimit = httpAnswerLimit) : m_answerLimit(answerLimit) {}
 
     /// Requests that still wait end with a failure.
@@ -60,7 +66,7 @@ public:
 
 private:
     qint64 m_answerLimit;
-    std::vector<QPointer<QNetworkReply>> m_waiting;
+    std::vector<QPointer<HttpExchange>> m_waiting;
 };
 
 } // namespace zuvo

@@ -91,6 +91,11 @@ std::string refusalOfBaseAddress(const std::string& base, const std::string& var
     return variable + " must be https, or http to this machine or a private network: " + base;
 }
 
+bool isNearAddress(const std::string& url) {
+    const QUrl parsed(QString::fromStdString(url), QUrl::StrictMode);
+    return parsed.isValid() && isNearHost(parsed.host(), url);
+}
+
 ServiceAddress transcriptionAddress(const Environment& environment) {
     const auto base = baseAddress(environment, transcriptionVariable, transcriptionDefault);
     return serviceAddress(base, transcriptionVariable, "/audio/transcriptions");

@@ -41,4 +41,7 @@ struct AccountAddresses {
 /// Why a base address may not be used, or an empty text. `variable` is named in the refusal.
 [[nodiscard]] std::string refusalOfBaseAddress(const std::string& base, const std::string& variable);
 
+/// Whether the host of this absolute URL is this machine or an address of a private network.
+[[nodiscard]] bool isNearAddress(const std::string& url);
+
 } // namespace zuvo

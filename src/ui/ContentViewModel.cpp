@@ -1,6 +1,7 @@
 #include "ui/ContentViewModel.h"
 
 #include "model/Constants.h"
+#include "platform/ForeignWords.h"
 #include "ui/DashboardViewModel.h"
 #include "ui/SignInViewModel.h"
 #include "ui/UpdateViewModel.h"
@@ -15,11 +16,27 @@ QVariantMap entry(int tab, const QString& label, const QString& icon) {
     return {{QStringLiteral("tab"), tab}, {QStringLiteral("label"), label}, {QStringLiteral("icon"), icon}};
 }
 
+/// "Ada (ada@example.com)", with what the service gave of both, short enough for a question.
+QString personWith(const std::string& name, const std::string& email) {
+    const auto shortened = [](const std::string& text) {
+        constexpr int most = 60;
+        const auto line = QString::fromStdString(oneLine(text));
+        return line.size() > most ? line.left(most) + QStringLiteral("…") : line;
+    };
+    if (name.empty() && email.empty())
+        return QStringLiteral("an account without a name");
+    if (name.empty() || email.empty())
+        return shortened(name + email);
+    return shortened(name) + QStringLiteral(" (") + shortened(email) + QLatin1Char(')');
+}
+
 } // namespace
 
 ContentViewModel::ContentViewModel(ShellServices services, QObject* parent)
     : QObject(parent), m_services(std::move(services)), m_isSignedIn(m_services.authManager->isSignedIn()) {
-    connect(m_services.authManager.get(), &AuthManager::isSignedInChanged, this, &ContentViewModel::followSignIn);
+    const auto* manager = m_services.authManager.get();
+    connect(manager, &AuthManager::isSignedInChanged, this, &ContentViewModel::followSignIn);
+    connect(manager, &AuthManager::offeredUserChanged, this, &ContentViewModel::signInQuestionChanged);
     showPage();
 }
 
@@ -33,6 +50,27 @@ QVariantList ContentViewModel::sidebar() {
 
 QString ContentViewModel::appVersion() {
     return QStringLiteral("v") + QString::fromUtf8(Constants::App::version);
+}
+
+QString ContentViewModel::signInQuestion() const {
+    const auto& manager = *m_services.authManager;
+    const auto& offered = manager.offeredUser();
+    if (!offered)
+        return {};
+    const auto question = QStringLiteral("Sign in as ") + personWith(offered->name, offered->email);
+    if (!manager.getToken())
+        return question + QLatin1Char('?');
+    return question + QStringLiteral(" instead of ") + personWith(manager.userName(), manager.userEmail()) +
+           QLatin1Char('?');
+}
+
+void ContentViewModel::acceptSignIn(const QString& question) {
+    if (question == signInQuestion())
+        m_services.authManager->acceptOfferedUser();
+}
+
+void ContentViewModel::declineSignIn() {
+    m_services.authManager->declineOfferedUser();
 }
 
 void ContentViewModel::setSelectedTab(int tab) {

@@ -38,6 +38,7 @@ class ContentViewModel final : public QObject {
     Q_PROPERTY(QString pageName READ pageName NOTIFY pageChanged)
     Q_PROPERTY(QObject* page READ page NOTIFY pageChanged)
     Q_PROPERTY(QString appVersion READ appVersion CONSTANT)
+    Q_PROPERTY(QString signInQuestion READ signInQuestion NOTIFY signInQuestionChanged)
 public:
     static constexpr int accountTab = 0;
     static constexpr int mineTab = 1;
@@ -61,9 +62,17 @@ public:
 
     [[nodiscard]] static QString appVersion();
 
+    /// What the user is asked about a sign-in link that was not begun here: "Sign in as ... instead of ...?" Empty if
+    /// there is none.
+    [[nodiscard]] QString signInQuestion() const;
+    /// The answers to it; a yes counts only for the question that is asked now.
+    Q_INVOKABLE void acceptSignIn(const QString& question);
+    Q_INVOKABLE void declineSignIn();
+
 Q_SIGNALS:
     void selectedTabChanged();
     void pageChanged();
+    void signInQuestionChanged();
 
 private:
     void followSignIn();

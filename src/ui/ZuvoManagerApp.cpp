@@ -17,7 +17,8 @@ AppWorld AppWorld::ofThisMachine(const std::string& applicationFolder, std::shar
 ZuvoManagerApp::ZuvoManagerApp(AppWorld world)
     : m_world(std::move(world)),
       m_client(m_world.platform.http, accountAddresses(m_world.platform.environment)),
-      m_authManager(std::make_shared<AuthManager>(m_client, m_world.desktop, m_world.platform.environment.tokenFile())),
+      m_authManager(std::make_shared<AuthManager>(m_client, m_world.desktop, m_world.platform.environment.tokenFile(),
+                                                  m_world.platform.clock)),
       m_pluginManager(
           std::make_shared<PluginManager>(m_world.administrator, m_world.resourceFolder, m_world.pluginDirectory)) {
     UpdateMeans means{m_client, m_world.downloader, m_world.platform.processes, m_world.administrator, {}};

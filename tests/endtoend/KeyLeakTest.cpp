@@ -188,6 +188,46 @@ TEST_F(KeyLeakTest, wordsThatFailInAnyWayTellNoKey) {
     }
 }
 
+TEST_F(KeyLeakTest, aKeyThatAServiceRepeatsIsMaskedInEveryLine) {
+    const auto repeated = [](const std::string& key) { return R"({"error":"No such key: )" + key + R"("})"; };
+    const std::string masked = R"({"error":"No such key: ***"})";
+    for (const std::string& form : {std::string(), std::string("--json")}) {
+        auto words = std::vector<std::string>{"mine", file};
+        if (!form.empty())
+            words.push_back(form);
+        givenServicesAnswer();
+        world.services.fail(Service::transcription, Failure::status(401, repeated(markedOpenaiKey)));
+        run(words);
+        thenItEndsWith(1);
+        EXPECT_THAT(ending.output, HasSubstr("No such key: ***"));
+        // Not only its own.
+        world.services.fail(Service::transcription, Failure::status(401, repeated(markedAnthropicKey)));
+        run(words);
+        for (const auto& failure :
+             {Failure::status(401, repeated(markedAnthropicKey)), Failure::body(repeated(markedAnthropicKey)),
+              Failure::reply("No such key: " + markedAnthropicKey)}) {
+            givenServicesAnswer();
+            world.services.fail(Service::messages, failure);
+            run(words);
+            thenItEndsWith(1);
+            EXPECT_THAT(ending.output, HasSubstr("No such key: ***"));
+        }
+    }
+    givenServicesAnswer();
+    world.services.fail(Service::messages, Failure::status(401, repeated(markedAnthropicKey)));
+    run({"mine", file});
+    thenLogEndsWith({"  Claude HTTP error: " + masked, "✗ Story analysis failed"});
+}
+
+TEST_F(KeyLeakTest, ofAShortKeyTheBeginningIsShownAndNeverAll) {
+    for (const std::string key : {"k", "short-key", "twelve-chars"}) {
+        world.set("ANTHROPIC_API_KEY", key);
+        run({"mine", file});
+        thenItEndsWith(0);
+        thenLogHas({"🔑 API key found (" + key.substr(0, key.size() / 2) + "...)"});
+    }
+}
+
 TEST_F(KeyLeakTest, aRefusedAddressTellsNeitherKeyNorPassword) {
     const std::string userAndPassword = std::string("user:") + secretPart + "@";
     for (const std::string& address :

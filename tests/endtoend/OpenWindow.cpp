@@ -23,7 +23,9 @@ std::string ownWords(const std::string& errors) {
     return joined(lines);
 }
 
-QProcessEnvironment environmentOf(const World& world) {
+} // namespace
+
+QProcessEnvironment windowEnvironment(const World& world) {
     auto environment = world.environment;
     const auto set = [&environment](const char* name, const std::string& value) {
         environment.insert(QString::fromUtf8(name), QString::fromStdString(value));
@@ -42,13 +44,15 @@ QProcessEnvironment environmentOf(const World& world) {
     return environment;
 }
 
-} // namespace
+QString windowProgram() {
+    return QStringLiteral(ZUVO_MANAGER_PROGRAM);
+}
 
 OpenWindow::OpenWindow(const World& world) {
     world.folder.write("home/.zuvo/token.json", R"({"token":"zuvo_kept"})");
-    m_process.setProcessEnvironment(environmentOf(world));
+    m_process.setProcessEnvironment(windowEnvironment(world));
     m_process.setWorkingDirectory(QString::fromStdString(world.workingFolder));
-    m_process.start(QStringLiteral(ZUVO_MANAGER_PROGRAM), QStringList());
+    m_process.start(windowProgram(), QStringList());
     order(tallWindow);
 }
 

@@ -7,6 +7,10 @@
 
 namespace zuvo::endtoend {
 
+/// What the real ZuvoManager is started with in this world, on no screen.
+[[nodiscard]] QProcessEnvironment windowEnvironment(const World& world);
+[[nodiscard]] QString windowProgram();
+
 /// The real ZuvoManager in this world, with its window on no screen, under the test's hands (hands/Hands.cpp). Somebody
 /// is signed in.
 ///

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string_view>
+#include <sys/socket.h>
 
 namespace zuvo::tests {
 
@@ -68,6 +69,17 @@ Behaviour answerAndClose(std::string bytes) {
     return [bytes](QTcpSocket& socket) {
         write(socket, bytes);
         socket.disconnectFromHost();
+    };
+}
+
+Behaviour answerAndReset(std::string bytes) {
+    return [bytes](QTcpSocket& socket) {
+        write(socket, bytes);
+        socket.flush();
+        // Closed with linger 0, a connection ends in a reset and not in order.
+        const linger atOnce{1, 0};
+        ::setsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
+        socket.abort();
     };
 }
 

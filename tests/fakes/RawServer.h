@@ -35,6 +35,7 @@ using Behaviour = std::function<void(QTcpSocket&)>;
 [[nodiscard]] Behaviour answer(std::string bytes);         ///< and keep the connection
 [[nodiscard]] Behaviour answerAndClose(std::string bytes); ///< cuts the body if the bytes end within it
 [[nodiscard]] Behaviour answerAfter(std::chrono::milliseconds pause, std::string bytes);
+[[nodiscard]] Behaviour answerAndReset(std::string bytes); ///< and break the connection off, whatever still comes
 [[nodiscard]] Behaviour closeUnanswered();
 [[nodiscard]] Behaviour resetUnanswered(); ///< the connection is broken off, not closed in order
 [[nodiscard]] Behaviour stall();           ///< no answer ever

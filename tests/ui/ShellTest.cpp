@@ -152,6 +152,7 @@ TEST_F(ShellTest, theSidebarIsMadeForWhoeverIsSignedInAlone) {
     EXPECT_EQ(driver->findEvenDisabled(tab(1)), nullptr);
     EXPECT_FALSE(driver->showsText(QStringLiteral("Story Mining")));
     for (int round = 0; round < 2; ++round) {
+        world.app().authManager()->signIn();
         world.app().handleCallback("zuvo-manager://callback?token=zuvo_link");
         ASSERT_TRUE(driver->waitFor(tab(1)));
         EXPECT_TRUE(driver->showsText(QStringLiteral("Story Mining")));

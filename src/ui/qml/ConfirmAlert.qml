@@ -85,6 +85,7 @@ Controls.Popup {
         Controls.Label {
             width: parent.width
             text: alert.title
+            textFormat: Text.PlainText
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             font: Theme.headline()
@@ -93,6 +94,7 @@ Controls.Popup {
         Controls.Label {
             width: parent.width
             text: alert.message
+            textFormat: Text.PlainText
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             font: Theme.subheadline()

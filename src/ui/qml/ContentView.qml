@@ -45,9 +45,21 @@ FocusScope {
             page.setSource(content.pageName + ".qml", { "model": content.page, "focus": true });
     }
 
+    // Made for the first question: the alert's controls cost the start nothing.
+    Loader { id: signInAlert }
+
+    function askAboutSignIn() {
+        if (content.signInQuestion !== "" && signInAlert.item === null)
+            signInAlert.setSource("SignInAlert.qml", { "content": content });
+    }
+
     Connections {
         target: view.content
         function onPageChanged() { view.showPage(); }
+        function onSignInQuestionChanged() { view.askAboutSignIn(); }
     }
-    Component.onCompleted: showPage()
+    Component.onCompleted: {
+        showPage();
+        askAboutSignIn();
+    }
 }

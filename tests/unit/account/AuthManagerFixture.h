@@ -15,7 +15,7 @@ class AuthManagerTest : public AccountTest {
 protected:
     void make() { make(client()); }
     void make(APIClient client) {
-        manager = std::make_unique<AuthManager>(std::move(client), desktop, tokenFile);
+        manager = std::make_unique<AuthManager>(std::move(client), desktop, tokenFile, [this] { return now; });
         listen();
     }
 
@@ -97,6 +97,7 @@ protected:
 
     bool fileExists() const { return std::filesystem::exists(tokenFile); }
 
+    QDateTime now{QDate(2026, 3, 4), QTime(12, 0), Qt::UTC};
     std::unique_ptr<AuthManager> manager;
     std::vector<std::string> signalNames;
 };

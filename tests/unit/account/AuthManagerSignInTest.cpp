@@ -261,11 +261,14 @@ TEST_F(AuthManagerTest, hostileWordsInAnAccountAreKeptAsTheyAreAndComeBack) {
 
 TEST_F(AuthManagerTest, aSignInLinkSignsIn) {
     make();
+    manager->signIn();
+    now = now.addSecs(600); // the last moment of the ten minutes
     server.then(answer(httpAnswer(200, adaAsJson)));
     manager->handleCallback("zuvo-manager://callback?token=zuvo%5Fada");
     EXPECT_FALSE(manager->isLoading()) << "it starts with the next turn of the event loop";
     ASSERT_TRUE(waitUntil([this] { return manager->isSignedIn(); }));
     thenAdaIsSignedIn();
+    EXPECT_FALSE(manager->offeredUser());
 }
 
 TEST_F(AuthManagerTest, anyOtherLinkChangesNothing) {

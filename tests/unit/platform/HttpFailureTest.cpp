@@ -4,6 +4,10 @@
 #include "fakes/RawServer.h"
 
 #include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 using namespace zuvo;
@@ -17,6 +21,40 @@ constexpr auto longTimeout = 15s;
 constexpr auto shortTimeout = 200ms;
 /// What would be sent a second time has been sent by then.
 constexpr auto aWhile = 300ms;
+
+/// A port whose queue of connections is full: whoever connects to it waits.
+class FullPort {
+public:
+    FullPort() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof(address);
+        auto* general = reinterpret_cast<sockaddr*>(&address);
+        m_sockets.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        if (::bind(m_sockets[0], general, size) != 0 || ::listen(m_sockets[0], 0) != 0 ||
+            ::getsockname(m_sockets[0], general, &size) != 0)
+            throw std::runtime_error("No port could be listened on");
+        m_port = ntohs(address.sin_port);
+        constexpr int moreThanTheQueueHolds = 4;
+        for (int i = 0; i < moreThanTheQueueHolds; ++i) {
+            m_sockets.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+            (void)::connect(m_sockets.back(), general, size);
+        }
+    }
+    ~FullPort() {
+        for (const int socket : m_sockets)
+            ::close(socket);
+    }
+    FullPort(const FullPort&) = delete;
+    FullPort& operator=(const FullPort&) = delete;
+
+    [[nodiscard]] int port() const { return m_port; }
+
+private:
+    std::vector<int> m_sockets;
+    int m_port = 0;
+};
 
 class HttpFailure : public testing::Test {
 protected:
@@ -173,28 +211,66 @@ TEST_F(HttpFailure, aSlowUploadDoesNotTimeOut) {
     EXPECT_EQ(got.body, "got it");
 }
 
-TEST_F(HttpFailure, anAnswerBeforeTheBodyHasBeenReadDoesNotCrash) {
+TEST_F(HttpFailure, anAnswerBeforeTheBodyHasBeenReadIsTheAnswer) {
     server.actBeforeBody();
     server.then(answer(httpAnswer(413, "too large")));
     auto toSend = request();
     toSend.body.assign(30'000'000, 'b');
     const auto got = post(std::move(toSend));
-    if (got.hasFailed())
-        EXPECT_THAT(got.failure, Not(IsEmpty()));
-    else
-        EXPECT_EQ(got.status, 413);
+    EXPECT_EQ(got.failure, "");
+    EXPECT_EQ(got.status, 413);
+    EXPECT_EQ(got.body, "too large");
     runEventLoop(aWhile);
     EXPECT_EQ(server.requests().size(), 1U);
 }
 
-TEST_F(HttpFailure, noServerIsAFailureInWords) {
+TEST_F(HttpFailure, anAnswerBeforeAResetIsReadWhileTheRequestIsStillBeingSent) {
+    server.actBeforeBody();
+    constexpr int rounds = 50;
+    for (int round = 1; round <= rounds; ++round) {
+        SCOPED_TRACE(round);
+        server.then(answerAndReset(httpAnswer(401, "wrong key")));
+        auto toSend = request();
+        toSend.body.assign(10'000'000, 'b');
+        const auto got = post(std::move(toSend));
+        EXPECT_EQ(got.failure, "");
+        EXPECT_EQ(got.status, 401);
+        EXPECT_EQ(got.body, "wrong key");
+    }
+    EXPECT_EQ(server.requests().size(), static_cast<std::size_t>(rounds));
+    EXPECT_EQ(server.connectionCount(), rounds);
+}
+
+TEST_F(HttpFailure, anAnswerWithoutALengthBeforeAResetIsReadToo) {
+    server.actBeforeBody();
+    server.then(answerAndReset("HTTP/1.1 403 No\r\n\r\nnot here"));
+    auto toSend = request();
+    toSend.body.assign(10'000'000, 'b');
+    const auto got = post(std::move(toSend));
+    EXPECT_EQ(got.status, 403);
+    EXPECT_EQ(got.body, "not here");
+}
+
+TEST_F(HttpFailure, aServerOfOurOwnThatIsNotThereIsNamedInTheFailure) {
     QTcpServer gone;
     ASSERT_TRUE(gone.listen(QHostAddress::LocalHost));
-    auto toSend = request();
-    toSend.url = "http://127.0.0.1:" + std::to_string(gone.serverPort()) + "/";
+    const auto port = std::to_string(gone.serverPort());
     gone.close();
-    const auto got = post(std::move(toSend));
-    EXPECT_EQ(got.failure, "Connection refused");
+    for (const std::string scheme : {"http://", "https://"}) {
+        for (const std::string host : {"127.0.0.1:", "localhost:"}) {
+            auto toSend = request();
+            toSend.url = scheme + host + port + "/v1/messages?key=hidden";
+            EXPECT_EQ(post(std::move(toSend)).failure, "Connection refused: " + scheme + host + port);
+        }
+    }
+}
+
+TEST_F(HttpFailure, aServerOfOurOwnThatLetsNobodyInIsNamedInTheFailure) {
+    const FullPort full;
+    auto toSend = request(shortTimeout);
+    toSend.url = "http://127.0.0.1:" + std::to_string(full.port()) + "/v1/messages";
+    EXPECT_EQ(post(std::move(toSend)).failure,
+              "The request timed out: http://127.0.0.1:" + std::to_string(full.port()));
 }
 
 TEST_F(HttpFailure, anUnknownHostIsAFailureInWords) {

@@ -46,7 +46,7 @@ private:
     std::shared_ptr<ProcessRunner> m_processes;
     Console m_console;
     std::optional<int> m_interruption; ///< the first signal
-    std::string m_failure; ///< why the session fails though no stage of the run did; empty if it does not
+    std::string m_failure;             ///< why the session fails though no stage of the run did; empty if it does not
 };
 
 /// The saved project that a name stands for: the newest of exactly that name.

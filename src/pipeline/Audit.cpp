@@ -13,13 +13,13 @@ namespace zuvo {
 namespace {
 
 // The fixed points of `progress`.
-constexpr double progressConnecting = 0.05;
+constexpr double auditProgressConnecting = 0.05;
 constexpr double progressClipsRead = 0.15;
-constexpr double progressMediaKnown = 0.25;
-constexpr double progressTranscriptKnown = 0.4;
+constexpr double auditProgressMediaKnown = 0.25;
+constexpr double auditProgressTranscriptKnown = 0.4;
 constexpr double progressMapped = 0.5;
 constexpr double progressAsking = 0.6;
-constexpr double progressComplete = 1.0;
+constexpr double auditProgressComplete = 1.0;
 
 std::size_t sourceCount(const std::vector<TimelineClip>& clips) {
     std::set<std::string> sources;
@@ -42,7 +42,7 @@ QCoro::Task<> LocalPipeline::auditTimeline(std::string timeline) {
     setAuditReport(std::nullopt);
     log("$ zuvo audit --timeline " + timeline, LogColor::dim);
     setStep(PipelineStep::connecting);
-    setProgress(progressConnecting);
+    setProgress(auditProgressConnecting);
     log("Reading existing timeline from Resolve...");
     const auto clips = co_await readTimelineClips(timeline);
     if (!clips) {
@@ -70,7 +70,7 @@ QCoro::Task<> LocalPipeline::auditTimeline(std::string timeline) {
 }
 
 std::optional<TranscriptResult> LocalPipeline::transcriptForAudit(const std::vector<std::string>& mediaPaths) {
-    setProgress(progressMediaKnown);
+    setProgress(auditProgressMediaKnown);
     setStep(PipelineStep::analyzing);
     log("⛏ Loading cached transcripts...", LogColor::accent);
     auto transcript = loadCachedTranscript(mediaPaths);
@@ -81,7 +81,7 @@ std::optional<TranscriptResult> LocalPipeline::transcriptForAudit(const std::vec
     log("✓ Loaded transcript — " + std::to_string(transcript->segments.size()) + " segments · " +
             std::to_string(wordCount(transcript->segments)) + " words",
         LogColor::green);
-    setProgress(progressTranscriptKnown);
+    setProgress(auditProgressTranscriptKnown);
     return transcript;
 }
 
@@ -107,7 +107,7 @@ QCoro::Task<> LocalPipeline::auditCut(std::vector<TimelineClip> clips, std::vect
             std::to_string(m_auditReport->redundancies.size()) + " redundancies",
         LogColor::accent);
     log("  Confidence score: " + std::to_string(truncated(m_auditReport->confidenceScore)) + "/100", LogColor::green);
-    setProgress(progressComplete);
+    setProgress(auditProgressComplete);
     setStep(PipelineStep::complete);
     log("✓ Audit complete!", LogColor::green);
 }

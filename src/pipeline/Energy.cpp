@@ -17,7 +17,7 @@ namespace {
 constexpr std::array channelProbePlaces = {0.2, 0.5, 0.8};
 
 /// Length of a file whose length ffprobe does not tell, in seconds.
-constexpr double unknownDuration = 300.0;
+constexpr double unknownSourceDuration = 300.0;
 
 /// Seconds that one measurement of a channel takes in.
 constexpr const char* channelProbeSeconds = "5";
@@ -84,7 +84,7 @@ QCoro::Task<std::string> LocalPipeline::detectPrimaryChannel(std::string wavPath
     std::vector<std::string> durationArgs = {
         "-hide_banner", "-i", wavPath, "-show_entries", "format=duration", "-of", "default=nw=1:nk=1"};
     const auto durationOutput = co_await runProcessOutput(tools.ffprobe, std::move(durationArgs));
-    const auto duration = parseDouble(trimWhiteSpace(durationOutput)).value_or(unknownDuration);
+    const auto duration = parseDouble(trimWhiteSpace(durationOutput)).value_or(unknownSourceDuration);
 
     ChannelLevels levels;
     for (const double place : channelProbePlaces) {

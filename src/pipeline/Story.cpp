@@ -14,7 +14,7 @@ namespace zuvo {
 namespace {
 
 // User-perceived characters that are shown of what is foreign.
-constexpr std::size_t shownErrorCharacters = 300;
+constexpr std::size_t shownHttpErrorCharacters = 300;
 constexpr std::size_t shownReplyCharacters = 200;
 constexpr std::size_t shownPreviewCharacters = 300;
 
@@ -78,7 +78,7 @@ QCoro::Task<std::optional<std::string>> LocalPipeline::askModel(std::string prom
         co_return std::nullopt;
     }
     if (!answer.isSuccess()) {
-        log("  Claude HTTP error: " + shown(withoutKeys(answer.body), shownErrorCharacters, "unknown"),
+        log("  Claude HTTP error: " + shown(withoutKeys(answer.body), shownHttpErrorCharacters, "unknown"),
             LogColor::accent);
         co_return std::nullopt;
     }

@@ -11,7 +11,7 @@ namespace zuvo {
 
 namespace {
 
-constexpr std::size_t shownErrorCharacters = 200;
+constexpr std::size_t shownScriptErrorCharacters = 200;
 
 std::string segmentsText(const std::vector<StorySegment>& segments) {
     OrderedJson list = OrderedJson::array();
@@ -50,7 +50,7 @@ QCoro::Task<> LocalPipeline::buildTimelineFromSegmentsFile() {
     if (trimWhiteSpace(output).empty()) {
         log("✗ Python returned no output", LogColor::accent);
         if (!errors.empty())
-            log("  stderr: " + firstCharacters(errors, shownErrorCharacters), LogColor::accent);
+            log("  stderr: " + firstCharacters(errors, shownScriptErrorCharacters), LogColor::accent);
         setBuildResult("✗ Python returned no output — check Resolve connection");
         co_return;
     }

@@ -10,11 +10,11 @@ namespace zuvo {
 
 namespace {
 
-constexpr double secondsPerMinute = 60.0;
+constexpr double secondsInAMinute = 60.0;
 
 /// The instruction with its placeholders in braces. The braces of its example object belong to the text: only the
 /// names that `storyPrompt` fills are placeholders.
-constexpr std::string_view promptTemplate =
+constexpr std::string_view storyPromptTemplate =
     R"PROMPT(You are an expert audio editor and story architect. Your job: select the best moments from this recording to build a compelling {targetMinutesInt}-minute story.
 
 STYLE: {style}
@@ -101,7 +101,7 @@ Return ONLY a JSON object (no markdown, no code fences):
 } // namespace
 
 std::string storyPrompt(const StoryPromptInput& input) {
-    const double targetSeconds = input.targetMinutes * secondsPerMinute;
+    const double targetSeconds = input.targetMinutes * secondsInAMinute;
     const std::array<Placeholder, 10> placeholders = {{
         {"{targetMinutesInt}", std::to_string(truncated(input.targetMinutes))},
         {"{targetSecondsInt}", std::to_string(truncated(targetSeconds))},
@@ -109,12 +109,12 @@ std::string storyPrompt(const StoryPromptInput& input) {
         {"{loud}", std::to_string(input.thresholds.loud)},
         {"{medium}", std::to_string(input.thresholds.medium)},
         {"{quiet}", std::to_string(input.thresholds.quiet)},
-        {"{totalMinutes}", fixedText(input.totalDuration / secondsPerMinute, 0)},
+        {"{totalMinutes}", fixedText(input.totalDuration / secondsInAMinute, 0)},
         {"{totalSeconds}", fixedText(input.totalDuration, 0)},
         {"{sourceLanguage}", input.sourceLanguage},
         {"{transcript}", input.transcript},
     }};
-    return fillPlaceholders(promptTemplate, placeholders);
+    return fillPlaceholders(storyPromptTemplate, placeholders);
 }
 
 } // namespace zuvo

@@ -18,7 +18,7 @@ constexpr double assumedFramesPerSecond = 24.0;
 
 /// The instruction with its placeholders in braces. The braces of its example object belong to the text: only the
 /// names that `auditPrompt` fills are placeholders.
-constexpr std::string_view promptTemplate =
+constexpr std::string_view auditPromptTemplate =
     R"PROMPT(You are an expert documentary editor reviewing an existing cut. Your task: find what the editor MISSED.
 
 CONTEXT:
@@ -160,7 +160,7 @@ std::string auditPrompt(std::size_t clipCount, const Coverage& coverage, const s
         {"{transcript}", transcript},
         {"{coverageValue}", plainText(coverage.percent)},
     }};
-    return fillPlaceholders(promptTemplate, placeholders);
+    return fillPlaceholders(auditPromptTemplate, placeholders);
 }
 
 } // namespace zuvo

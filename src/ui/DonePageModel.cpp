@@ -66,7 +66,7 @@ constexpr std::array ratingRows = {
 };
 
 /// Names and messages of others are among what is shown.
-QString shown(const std::string& text) {
+QString displayed(const std::string& text) {
     return QString::fromStdString(harmlessText(text));
 }
 
@@ -83,7 +83,7 @@ QStringList chaptersOf(const Act& act, const std::unordered_map<std::int64_t, co
         const auto found = moments.find(index);
         if (found == moments.end() || !found->second->chapter || found->second->chapter->empty())
             continue;
-        const auto chapter = shown(*found->second->chapter);
+        const auto chapter = displayed(*found->second->chapter);
         if (!chapters.contains(chapter))
             chapters.append(chapter);
     }
@@ -97,7 +97,8 @@ bool isCopyOfNewest(const LocalPipeline& pipeline, const MineVersion& version) {
     const auto folder = pipeline.lastExportDir().value_or("") + "/";
     const auto newest = folder + newestStory;
     const auto copy = folder + "mining_results_v" + std::to_string(version.version) + ".json";
-    return fileSize(newest) == fileSize(copy) && readFile(newest, FileLimits::store) == readFile(copy, FileLimits::store);
+    return fileSize(newest) == fileSize(copy) &&
+           readFile(newest, FileLimits::store) == readFile(copy, FileLimits::store);
 }
 
 QString dateText(double secondsSince1970) {
@@ -108,7 +109,7 @@ QString dateText(double secondsSince1970) {
 QVariantMap tile(const char* symbol, const char* label, const std::string& value) {
     return {{QStringLiteral("symbol"), QString::fromUtf8(symbol)},
             {QStringLiteral("label"), QString::fromUtf8(label)},
-            {QStringLiteral("value"), shown(value)}};
+            {QStringLiteral("value"), displayed(value)}};
 }
 
 /// How many of the chips from `first` on stand in one row of that room; at least one, so that no chip is lost for being
@@ -186,8 +187,8 @@ QString DonePageModel::momentsLine() const {
     const auto* story = results();
     if (story == nullptr)
         return {};
-    return shown(std::to_string(story->segments.size()) + " story moments  " +
-                 formatDuration(story->estimatedDuration));
+    return displayed(std::to_string(story->segments.size()) + " story moments  " +
+                     formatDuration(story->estimatedDuration));
 }
 
 QVariantList DonePageModel::acts() const {
@@ -207,7 +208,7 @@ QVariantList DonePageModel::acts() const {
                 seen.append(chapter);
             gems.append(seen.indexOf(chapter));
         }
-        list.append(QVariantMap{{QStringLiteral("name"), shown(act.name)},
+        list.append(QVariantMap{{QStringLiteral("name"), displayed(act.name)},
                                 {QStringLiteral("chapters"), chapters},
                                 {QStringLiteral("gems"), gems}});
     }
@@ -244,12 +245,12 @@ bool DonePageModel::hasSavedTime() const {
 QString DonePageModel::savedTime() const {
     const auto hours = savedHours();
     if (hours >= 1.0)
-        return shown("~" + std::to_string(rounded(hours)) + " hours");
-    return shown("~" + std::to_string(rounded(hours * minutesOfAnHour)) + " minutes");
+        return displayed("~" + std::to_string(rounded(hours)) + " hours");
+    return displayed("~" + std::to_string(rounded(hours * minutesOfAnHour)) + " minutes");
 }
 
 QString DonePageModel::savedTimeBasis() const {
-    return shown(fixedText(sourceHours(), 1) + " hrs source × 8 hrs/hr industry avg");
+    return displayed(fixedText(sourceHours(), 1) + " hrs source × 8 hrs/hr industry avg");
 }
 
 QString DonePageModel::buildText() const {
@@ -316,7 +317,7 @@ void DonePageModel::takeBuildResult() {
     if (m_flow.isNull())
         return;
     if (const auto& result = m_flow->pipeline()->buildResult())
-        setBuildState(false, shown(*result));
+        setBuildState(false, displayed(*result));
 }
 
 void DonePageModel::setBuildState(bool isBuilding, const QString& status) {
@@ -337,8 +338,8 @@ void DonePageModel::takeVersions() {
             found.pop_back();
         for (const auto& version : found)
             m_versions.append(
-                QVariantMap{{QStringLiteral("version"), shown("v" + std::to_string(version.version))},
-                            {QStringLiteral("segments"), shown(std::to_string(version.segments) + " segments")},
+                QVariantMap{{QStringLiteral("version"), displayed("v" + std::to_string(version.version))},
+                            {QStringLiteral("segments"), displayed(std::to_string(version.segments) + " segments")},
                             {QStringLiteral("date"), dateText(version.date)},
                             {QStringLiteral("isCurrent"), isStorySaved && &version == &found.back()}});
     }
@@ -347,7 +348,7 @@ void DonePageModel::takeVersions() {
 
 void DonePageModel::open(const std::string& path) {
     if (!m_flow->desktop()->openFile(path))
-        setBuildState(m_isBuilding, shown("✗ " + lastPathComponent(path) + " could not be opened"));
+        setBuildState(m_isBuilding, displayed("✗ " + lastPathComponent(path) + " could not be opened"));
 }
 
 void DonePageModel::openExport(int index) {
@@ -356,7 +357,7 @@ void DonePageModel::openExport(int index) {
         return;
     // An older story's file may still be there.
     if (m_flow->isUnsaved(row->file))
-        setBuildState(m_isBuilding, shown(std::string("✗ ") + row->file + " of this mine could not be saved"));
+        setBuildState(m_isBuilding, displayed(std::string("✗ ") + row->file + " of this mine could not be saved"));
     else
         open(*m_flow->pipeline()->lastExportDir() + "/" + row->file);
 }
@@ -375,11 +376,11 @@ void DonePageModel::exportStory(int index) {
     const auto media = generateMediaFileInfo(pipeline.lastMediaPaths(), pipeline.probeResults(), story->segments);
     const auto path = *pipeline.lastExportDir() + "/" + std::string(exportFileName(row->format));
     if (const auto failure = zuvo::exportStory(row->format, path, *story, media)) {
-        setBuildState(m_isBuilding, shown(row->failure + failure.message()));
+        setBuildState(m_isBuilding, displayed(row->failure + failure.message()));
         return;
     }
     if (!m_flow->desktop()->reveal(path))
-        setBuildState(m_isBuilding, shown("✗ " + lastPathComponent(path) + " could not be shown"));
+        setBuildState(m_isBuilding, displayed("✗ " + lastPathComponent(path) + " could not be shown"));
 }
 
 void DonePageModel::rate(int index) {

@@ -11,7 +11,7 @@ namespace zuvo {
 
 namespace {
 
-QString text(std::string_view utf8) {
+QString displayText(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
@@ -44,7 +44,7 @@ void StylePageModel::setFlow(MineViewModel* flow) {
 }
 
 QString StylePageModel::directorNotes() const {
-    return m_flow.isNull() ? QString() : text(m_flow->directorNotes());
+    return m_flow.isNull() ? QString() : displayText(m_flow->directorNotes());
 }
 
 void StylePageModel::setDirectorNotes(const QString& notes) {
@@ -68,16 +68,16 @@ QString StylePageModel::mainText() const {
 QVariantList StylePageModel::presets() {
     QVariantList list;
     for (const auto& preset : STYLE_PRESETS) {
-        list.append(QVariantMap{{QStringLiteral("id"), text(preset.id)},
-                                {QStringLiteral("name"), text(preset.name)},
-                                {QStringLiteral("description"), text(preset.description)},
-                                {QStringLiteral("symbol"), text(preset.icon)}});
+        list.append(QVariantMap{{QStringLiteral("id"), displayText(preset.id)},
+                                {QStringLiteral("name"), displayText(preset.name)},
+                                {QStringLiteral("description"), displayText(preset.description)},
+                                {QStringLiteral("symbol"), displayText(preset.icon)}});
     }
     return list;
 }
 
 QString StylePageModel::selectedPresetId() const {
-    return m_flow.isNull() ? QString() : text(m_flow->selectedPresetId().value_or(std::string()));
+    return m_flow.isNull() ? QString() : displayText(m_flow->selectedPresetId().value_or(std::string()));
 }
 
 void StylePageModel::pressPreset(const QString& presetId) {
@@ -94,7 +94,7 @@ void StylePageModel::pressPreset(const QString& presetId) {
 }
 
 QString StylePageModel::referenceURL() const {
-    return m_flow.isNull() ? QString() : text(m_flow->referenceURL());
+    return m_flow.isNull() ? QString() : displayText(m_flow->referenceURL());
 }
 
 void StylePageModel::setReferenceURL(const QString& url) {
@@ -110,9 +110,9 @@ void StylePageModel::toggleSliders() {
 QVariantList StylePageModel::sliderDefinitions() {
     QVariantList list;
     for (const auto& definition : SLIDER_DEFINITIONS) {
-        list.append(QVariantMap{{QStringLiteral("label"), text(definition.label)},
-                                {QStringLiteral("low"), text(definition.low)},
-                                {QStringLiteral("high"), text(definition.high)}});
+        list.append(QVariantMap{{QStringLiteral("label"), displayText(definition.label)},
+                                {QStringLiteral("low"), displayText(definition.low)},
+                                {QStringLiteral("high"), displayText(definition.high)}});
     }
     return list;
 }
@@ -130,7 +130,7 @@ QStringList StylePageModel::sliderTexts() const {
     const auto sliders = m_flow.isNull() ? StyleSliders() : m_flow->styleSliders();
     QStringList list;
     for (const auto& definition : SLIDER_DEFINITIONS)
-        list.append(text(fixedText(sliders.*definition.keyPath * percent, 0) + "%"));
+        list.append(displayText(fixedText(sliders.*definition.keyPath * percent, 0) + "%"));
     return list;
 }
 

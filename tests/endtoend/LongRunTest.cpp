@@ -15,7 +15,7 @@ namespace {
 using standin::Service;
 using standin::StandIn;
 
-constexpr double megabyte = 1024.0 * 1024.0;
+constexpr double soundMegabyte = 1024.0 * 1024.0;
 
 /// Most memory that a process has had so far, in bytes.
 double highWaterBytes(qint64 process) {
@@ -69,7 +69,7 @@ TEST_F(LongRunTest, neitherMemoryNorOpenFilesGrowWithTheNumberOfChunks) {
     // The levels of six chunks more are 3.6 MB of samples, read through a buffer of that size; one chunk kept by
     // mistake would be 9.6 MB.
     constexpr double samples = 6 * 300 * 1000 * 2;
-    EXPECT_LT(many.highWater - few.highWater, 2 * samples + 8 * megabyte);
+    EXPECT_LT(many.highWater - few.highWater, 2 * samples + 8 * soundMegabyte);
     const auto [fewest, most] = std::minmax_element(many.openFiles.begin(), many.openFiles.end());
     EXPECT_LE(*most - *fewest, 2U) << "a file or connection is kept for each chunk";
 }

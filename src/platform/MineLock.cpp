@@ -48,7 +48,7 @@ void writeHolder(int file) {
     const auto text = (name.empty() ? "zuvo" : name) + " " + std::to_string(::getpid()) + "\n";
     // It is for a reader's information alone; the lock holds without.
     if (::ftruncate(file, 0) == 0)
-        static_cast<void>(::pwrite(file, text.data(), text.size(), 0));
+        [[maybe_unused]] const auto written = ::pwrite(file, text.data(), text.size(), 0);
 }
 
 /// Whether the open file is the one that the path leads to: it may have been removed between opening and locking.
@@ -109,7 +109,7 @@ MineLock::MineLock(const Environment& environment) {
 MineLock::~MineLock() {
     if (m_file < 0)
         return;
-    static_cast<void>(::ftruncate(m_file, 0));
+    [[maybe_unused]] const auto emptied = ::ftruncate(m_file, 0);
     ::close(m_file);
 }
 

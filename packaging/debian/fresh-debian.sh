@@ -46,6 +46,7 @@ fresh_make() {
             >"$fresh_folder/debootstrap.output" || { tail -n 20 "$fresh_folder/debootstrap.output" >&2 && return 1; }
         touch "$fresh_folder/.made"
     fi
+    chmod 755 "$fresh_folder" # it is the root folder of users other than root as well, such as apt's own
     for place in dev sys; do
         mount --rbind "/$place" "$fresh_folder/$place"
     done

@@ -18,8 +18,6 @@ namespace {
 
 using standin::RecordedRequest;
 using standin::Service;
-using testing::AnyOf;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

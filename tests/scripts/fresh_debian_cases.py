@@ -19,6 +19,7 @@ PATIENCE_SECONDS = 20
 DEBOOTSTRAP = 'mkdir -p "$4"/{dev,proc,sys,etc,root}; [[ ! -e "$FAILS" ]]'
 CHROOT = """
 echo "$(cat /proc/self/mounts)" >"$RECORD/mounts"
+stat -c %a "$1" >"$RECORD/mode"
 shift; echo "${@: -2}" >>"$RECORD/lines"
 [[ ! -e "$RECORD/chroot-fails" ]] || exit 7
 [[ ! -e "$RECORD/chroot-waits" ]] || { touch "$RECORD/waiting"; sleep 300; }"""
@@ -80,6 +81,8 @@ class FreshDebianTest(unittest.TestCase):
         self.assertTrue(shown.endswith("ok\n"), shown)
         # It had its mounts while it ran.
         self.assertRegex((self.record / "mounts").read_text(), r"(?m)/zuvo-fresh-debian-\w+/proc proc ")
+        # Users other than root work in it too, apt's own for example.
+        self.assertEqual((self.record / "mode").read_text(), "755\n")
         self.then_nothing_is_left()
 
     def test_one_of_both_can_be_chosen(self) -> None:

@@ -40,6 +40,21 @@ TEST(AdministratorScripts, anUpdateTakesThePlaceOfTheOldPlugin) {
               "'/tmp/zuvo-0/zuvo-update/extracted/com.tarnwick.zuvo' '/plugins'\" with administrator privileges");
 }
 
+// What it does is tested by running it: CheckedReplacementTest.cpp.
+TEST(AdministratorScripts, aCheckedUpdateEndsWithTheSameLineFromRootsOwnCopy) {
+    const auto source = checkedReplacementScript("/plugins/com.tarnwick.zuvo", "/tmp/x y/extracted", "0123abcd");
+    EXPECT_EQ(source.find('\n'), std::string::npos);
+    const auto line = shellLineOf(source);
+    ASSERT_TRUE(line);
+    EXPECT_THAT(*line, testing::EndsWith(" && copying=1 && rm -rf '/plugins/com.tarnwick.zuvo' && "
+                                         "cp -R './com.tarnwick.zuvo' '/plugins'"));
+    EXPECT_THAT(*line, testing::HasSubstr("t=$(mktemp -d '/plugins/.zuvo-update.XXXXXX') && cd \"$t\" && inside=1 && "
+                                          "cp -RP '/tmp/x y/extracted/com.tarnwick.zuvo' . && "));
+    EXPECT_THAT(*line, testing::HasSubstr("[ \"$(manifest | sort | $h)\" = '0123abcd  -' ]"));
+    // PolkitShell changes lines that copy what is in a folder; this one copies folders.
+    EXPECT_EQ(withContentsCopied(*line), *line);
+}
+
 TEST(AdministratorScripts, theShellSeesTheLineWithoutEscapes) {
     EXPECT_EQ(shellLineOf(minimalPluginScript("/p", "1")),
               "mkdir -p '/p' && echo '{\"version\":\"1\"}' > '/p/version.json' && echo "

@@ -13,9 +13,9 @@ namespace {
 
 /// Keeps what the program asks Electron for; each event's handler can be called by its name.
 constexpr const char* electron = R"js(
-const log = { windows: [], loaded: [], opened: [], handlers: {}, quits: 0, refused: 0 };
-let openHandler = null;
-class BrowserWindow {
+var log = { windows: [], loaded: [], opened: [], handlers: {}, quits: 0, refused: 0 };
+var openHandler = null;
+var BrowserWindow = class {
     constructor(options) {
         log.windows.push(options);
         this.webContents = {
@@ -25,12 +25,12 @@ class BrowserWindow {
     }
     loadFile(file) { log.loaded.push(file); }
 }
-const app = {
+var app = {
     whenReady: () => ({ then: (ready) => { log.ready = ready; } }),
     on: (name, handler) => { log.handlers[name] = handler; },
     quit: () => { log.quits += 1; },
 };
-const shell = { openExternal: (address) => { log.opened.push(address); return { catch: () => {} }; } };
+var shell = { openExternal: (address) => { log.opened.push(address); return { catch: () => {} }; } };
 function require(name) {
     if (name === 'electron') return { app, BrowserWindow, shell };
     if (name === 'path') return { join: (...steps) => steps.join('/') };
@@ -45,7 +45,7 @@ class PluginProgram : public testing::Test {
 protected:
     PluginProgram() {
         run(QString::fromUtf8(electron));
-        run(QStringLiteral("const program = (function(__dirname) {") + QString::fromStdString(source()) +
+        run(QStringLiteral("var program = (function(__dirname) {") + QString::fromStdString(source()) +
             QStringLiteral("\n}); program('/plugins/zuvo');"));
     }
 

@@ -150,9 +150,11 @@ TEST_F(SecondStartTest, aWrongArgumentIsRefusedWithoutRepeatingIt) {
     EXPECT_THAT(requestsForMe(), SizeIs(0));
 }
 
-TEST_F(SecondStartTest, thePagesAreShownWithoutAWarning) {
+TEST_F(SecondStartTest, thePagesAndTheQuestionAboutALinkAreShownWithoutAWarning) {
+    disk.write("home/.zuvo/token.json", R"({"token":"zuvo_kept"})");
     auto& first = startFirst({QStringLiteral("zuvo-manager://callback?token=zuvo_first")});
-    ASSERT_TRUE(waitUntil([this] { return hasTokenFile(); }));
+    constexpr std::size_t forTheFileAndForTheLink = 2;
+    ASSERT_TRUE(waitUntil([this] { return requestsForMe().size() == forTheFileAndForTheLink; }));
     runEventLoop(std::chrono::milliseconds(300));
     const auto said = first.readAllStandardError().toStdString();
     EXPECT_THAT(said, Not(HasSubstr("qrc:/")));

@@ -1,5 +1,6 @@
 #include "ui/DashboardViewModel.h"
 
+#include "platform/ForeignWords.h"
 #include "platform/TopLevelTask.h"
 
 #include <QPointer>
@@ -31,7 +32,7 @@ DashboardViewModel::DashboardViewModel(std::shared_ptr<AuthManager> authManager,
 }
 
 QString DashboardViewModel::initial() const {
-    const auto name = QString::fromStdString(m_authManager->userName());
+    const auto name = QString::fromStdString(pageText(m_authManager->userName()));
     QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, name);
     const auto end = letters.toNextBoundary();
     return end < 0 ? QString() : name.left(end).toUpper();
@@ -39,11 +40,11 @@ QString DashboardViewModel::initial() const {
 
 QString DashboardViewModel::name() const {
     const auto& name = m_authManager->userName();
-    return name.empty() ? QStringLiteral("User") : QString::fromStdString(name);
+    return name.empty() ? QStringLiteral("User") : QString::fromStdString(pageText(name));
 }
 
 QString DashboardViewModel::email() const {
-    return QString::fromStdString(m_authManager->userEmail());
+    return QString::fromStdString(pageText(m_authManager->userEmail()));
 }
 
 QString DashboardViewModel::credits() const {
@@ -52,7 +53,7 @@ QString DashboardViewModel::credits() const {
 
 QString DashboardViewModel::plan() const {
     const auto& plan = m_authManager->plan();
-    return plan.empty() ? QStringLiteral("Free") : QString::fromStdString(plan);
+    return plan.empty() ? QStringLiteral("Free") : QString::fromStdString(pageText(plan));
 }
 
 bool DashboardViewModel::isPro() const {

@@ -1,5 +1,6 @@
 #include "ui/SignInViewModel.h"
 
+#include "platform/ForeignWords.h"
 #include "platform/TopLevelTask.h"
 
 namespace zuvo {
@@ -40,7 +41,7 @@ QString SignInViewModel::tokenButtonText() const {
 }
 
 QString SignInViewModel::errorMessage() const {
-    return QString::fromStdString(m_authManager->errorMessage().value_or(std::string()));
+    return QString::fromStdString(pageText(m_authManager->errorMessage().value_or(std::string())));
 }
 
 void SignInViewModel::setWaiting(bool isWaiting) {

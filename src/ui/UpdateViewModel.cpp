@@ -1,5 +1,6 @@
 #include "ui/UpdateViewModel.h"
 
+#include "platform/ForeignWords.h"
 #include "platform/TopLevelTask.h"
 
 namespace zuvo {
@@ -7,7 +8,7 @@ namespace zuvo {
 namespace {
 
 QString shown(const std::optional<std::string>& text) {
-    return QString::fromStdString(text.value_or(std::string()));
+    return QString::fromStdString(pageText(text.value_or(std::string())));
 }
 
 QCoro::Task<> checked(std::shared_ptr<UpdateManager> manager) {
@@ -51,7 +52,7 @@ QString UpdateViewModel::latestVersion() const {
     if (isChecking())
         return QStringLiteral("...");
     const auto& version = m_manager->latestVersion();
-    return version ? QString::fromStdString(*version) : QStringLiteral("—");
+    return version ? shown(version) : QStringLiteral("—");
 }
 
 QString UpdateViewModel::updateLine() const {

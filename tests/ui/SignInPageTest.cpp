@@ -251,3 +251,36 @@ TEST_F(SignInPageTest, whoeverWasSignedInBeforeIsNotAskedAgain) {
     EXPECT_TRUE(waitForMainLayout());
     EXPECT_THAT(world.desktop->urls, IsEmpty());
 }
+
+// A sign-in link that nobody here asked for
+
+TEST_F(SignInPageTest, aLinkOfOthersIsAskedAboutBeforeTheAccountChanges) {
+    launchSignedIn();
+    ASSERT_TRUE(waitForMainLayout());
+    const auto former = world.app().authManager()->getToken();
+    world.services.setAccount({"u2", "Eve", "eve@example.com", 1, "Free"});
+    world.app().handleCallback("zuvo-manager://callback?token=zuvo_eve");
+    ASSERT_TRUE(waitUntil([this] { return driver->focusedName() == QStringLiteral("keepButton"); }));
+    EXPECT_TRUE(driver->showsText(world.content().signInQuestion()));
+    EXPECT_TRUE(
+        world.content().signInQuestion().startsWith(QStringLiteral("Sign in as Eve (eve@example.com) instead")));
+    driver->press(Qt::Key_Escape);
+    ASSERT_TRUE(driver->waitUntilGone(QStringLiteral("keepButton")));
+    EXPECT_EQ(world.app().authManager()->getToken(), former);
+
+    world.app().handleCallback("zuvo-manager://callback?token=zuvo_eve");
+    ASSERT_TRUE(driver->waitFor(QStringLiteral("proceedButton")));
+    driver->click(QStringLiteral("proceedButton"));
+    EXPECT_TRUE(waitUntil([this] { return world.app().authManager()->getToken() == "zuvo_eve"; }));
+    EXPECT_EQ(world.app().authManager()->userName(), "Eve");
+}
+
+TEST_F(SignInPageTest, aLinkOfOthersSignsNobodyInWhereNobodyIs) {
+    launchSignedOut();
+    world.app().handleCallback("zuvo-manager://callback?token=zuvo_eve");
+    ASSERT_TRUE(waitUntil([this] { return driver->focusedName() == QStringLiteral("keepButton"); }));
+    EXPECT_FALSE(world.content().isSignedIn());
+    EXPECT_FALSE(std::filesystem::exists(world.tokenFile()));
+    driver->click(QStringLiteral("proceedButton"));
+    EXPECT_TRUE(waitForMainLayout());
+}

@@ -53,18 +53,16 @@ protected:
         variables["OPENAI_BASE_URL"] = server.url("/v1");
         variables["ANTHROPIC_BASE_URL"] = server.url();
         platform.http = std::make_shared<NetworkHttpClient>(answerLimit);
+        ServiceTimeouts timeouts;
         timeouts.transcription = row.timeout();
         timeouts.messages = row.timeout();
-        givenNewLaunch(++m_launches);
+        pipeline = LocalPipeline::create(platform, timeouts);
     }
 
     static void thenItWasSentOnce(const RawServer& server) {
         EXPECT_EQ(server.requests().size(), 1U);
         EXPECT_EQ(server.connectionCount(), 1);
     }
-
-private:
-    int m_launches = 0;
 };
 
 } // namespace

@@ -289,3 +289,42 @@ TEST_F(Content, thePageGoesWithTheContent) {
     EXPECT_TRUE(flow.isNull());
     manager->signOut();
 }
+
+// A sign-in link that nobody here asked for
+
+TEST_F(Content, aSignInLinkThatWasNotBegunHereIsAskedAbout) {
+    signIn();
+    const QSignalSpy questions(content.get(), &ContentViewModel::signInQuestionChanged);
+    EXPECT_EQ(content->signInQuestion(), QString());
+    services->then(200, userAsJson("Eve"));
+    manager->handleCallback("zuvo-manager://callback?token=zuvo_eve");
+    ASSERT_TRUE(waitUntil([&questions] { return questions.count() == 1; }));
+    EXPECT_EQ(content->signInQuestion(),
+              QStringLiteral("Sign in as Eve (ada@example.com) instead of Ada (ada@example.com)?"));
+    EXPECT_EQ(manager->userName(), "Ada");
+
+    content->declineSignIn();
+    EXPECT_EQ(content->signInQuestion(), QString());
+    EXPECT_EQ(manager->getToken(), "zuvo_token");
+}
+
+TEST_F(Content, aYesSignsInOnlyWhoWasAskedAbout) {
+    services->then(200, userAsJson("Eve"));
+    manager->handleCallback("zuvo-manager://callback?token=zuvo_eve");
+    ASSERT_TRUE(waitUntil([this] { return !content->signInQuestion().isEmpty(); }));
+    EXPECT_EQ(content->signInQuestion(), QStringLiteral("Sign in as Eve (ada@example.com)?"));
+    content->acceptSignIn(QStringLiteral("Sign in as Bob?"));
+    EXPECT_FALSE(manager->isSignedIn());
+    content->acceptSignIn(content->signInQuestion());
+    EXPECT_TRUE(manager->isSignedIn());
+    EXPECT_EQ(manager->getToken(), "zuvo_eve");
+    EXPECT_EQ(content->pageName(), QStringLiteral("MineView"));
+}
+
+TEST_F(Content, aNameOfAThousandCharactersDoesNotFillTheQuestion) {
+    services->then(200, userAsJson(std::string(1'000, 'e')));
+    manager->handleCallback("zuvo-manager://callback?token=zuvo_eve");
+    ASSERT_TRUE(waitUntil([this] { return !content->signInQuestion().isEmpty(); }));
+    EXPECT_EQ(content->signInQuestion(),
+              QStringLiteral("Sign in as ") + QString(60, QLatin1Char('e')) + QStringLiteral("… (ada@example.com)?"));
+}

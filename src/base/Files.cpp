@@ -157,7 +157,8 @@ bool isNeighbourName(std::string_view name) {
 
 bool appendFile(const std::string& path, std::string& bytes, std::uint64_t limit) {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error))
+    // A pipe or a terminal in its place would be waited for.
+    if (!std::filesystem::is_regular_file(path, error))
         return false;
     std::ifstream file(path, std::ios::binary);
     if (!file)

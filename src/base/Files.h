@@ -11,7 +11,8 @@ namespace zuvo {
 // Every reader says how many bytes it takes at most: a larger file is not what it expects, and reading it would only
 // use up memory. The limits of the program's own kinds of files are in model/FileLimits.h.
 
-/// The file's bytes; nothing if it cannot be opened or read, is a folder, or holds more than `limit` bytes. Never reads
+/// The file's bytes; nothing if it cannot be opened or read, is no regular file (a pipe would be
+/// waited for), or holds more than `limit` bytes. Never reads
 /// much more than that, whatever size the file claims.
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::uint64_t limit);
 

@@ -201,6 +201,9 @@ void RawServer::take(QTcpSocket* socket, int connection, const std::string& byte
         RawRequest request;
         request.connection = connection;
         request.head = pending.substr(0, end + headEnd.size());
+        // A body that is dropped may hold what looks like a head.
+        if (m_actsBeforeBody && !m_requests.empty() && m_requests.back().connection == connection)
+            return pending.clear();
         const auto length = m_actsBeforeBody ? 0 : contentLength(request);
         if (pending.size() < request.head.size() + length)
             return;

@@ -31,8 +31,9 @@ endfunction()
 function(zuvo_unity target sources_at_a_time)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${sources_at_a_time})
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # A class of an unnamed namespace seems to be in a header, as sources include each other's neighbours.
-        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+        # A class of an unnamed namespace looks as if it came from a header, and a local name may be that of another
+        # source's function.
+        target_compile_options(${target} PRIVATE -Wno-subobject-linkage -Wno-shadow)
     endif()
 endfunction()
 

@@ -50,8 +50,8 @@ bool UpdateSignature::isValid(const std::string& archive, const std::string& sig
     if (m_publicKey.empty() || fileSize(signature) != signatureBytes || !archiveBytes ||
         *archiveBytes > updateLimits.packedBytes)
         return false;
-    const auto message = readFile(archive);
-    const auto signed64 = readFile(signature);
+    const auto message = readFile(archive, *archiveBytes);
+    const auto signed64 = readFile(signature, signatureBytes);
     return message && signed64 && signs(*signed64, *message, m_publicKey);
 }
 

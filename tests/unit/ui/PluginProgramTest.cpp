@@ -1,6 +1,7 @@
 // The program that Resolve starts for the plugin, run by Qt's own JavaScript engine with a stand-in for Electron.
 
 #include "base/Files.h"
+#include "model/FileLimits.h"
 #include "platform/ResourceFolder.h"
 
 #include <QFileInfo>
@@ -50,7 +51,7 @@ protected:
     }
 
     static std::string folder() { return ownBuildTree().resources + "/plugin/"; }
-    static std::string source() { return readTextFile(folder() + "main.js").value_or("missing"); }
+    static std::string source() { return readTextFile(folder() + "main.js", FileLimits::megabyte).value_or("missing"); }
 
     QJSValue run(const QString& script) {
         auto value = engine.evaluate(script);

@@ -96,6 +96,7 @@ MineLock::MineLock(const Environment& environment) {
     }
     m_file = openLocked(path);
     if (isHeld()) {
+        makePrivate(path); // one that is there keeps its mode
         writeHolder(m_file);
         removeLeftovers(environment);
         return;

@@ -56,7 +56,9 @@ OpenArchive opened(const std::string& path) {
         throw Refused("The update is larger than 64 MB");
     const auto directory = readZipDirectoryEnd(path);
     int error = 0;
-    OpenArchive archive(zip_open(path.c_str(), ZIP_RDONLY | ZIP_CHECKCONS, &error));
+    // Not by ZIP_CHECKCONS: it takes archives of other tools for inconsistent that state a size in one header alone.
+    // What it would find is found entry by entry.
+    OpenArchive archive(zip_open(path.c_str(), ZIP_RDONLY, &error));
     if (!archive || !directory || *directory != static_cast<std::uint64_t>(zip_get_num_entries(archive.get(), 0)))
         throw Refused(notWhole);
     if (*directory > updateLimits.entries)

@@ -71,14 +71,13 @@ protected:
         return false;
     }
     [[nodiscard]] bool hasTokenFile() const { return std::filesystem::exists(disk / "home/.zuvo/token.json"); }
+    [[nodiscard]] auto requestsForMe() const { return service.requests(standin::Service::me); }
     /// No sign-in was begun in the window, which has to ask first.
     void thenNobodyIsSignedInByItself() const {
         runEventLoop(std::chrono::milliseconds(200));
         EXPECT_FALSE(hasTokenFile());
         EXPECT_EQ(requestsForMe().size(), 1U);
     }
-
-    [[nodiscard]] auto requestsForMe() const { return service.requests(standin::Service::me); }
 
     standin::StandIn service;
     TemporaryFolder disk;

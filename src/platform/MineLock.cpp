@@ -47,8 +47,8 @@ void writeHolder(int file) {
     const auto name = QCoreApplication::applicationName().toStdString();
     const auto text = (name.empty() ? "zuvo" : name) + " " + std::to_string(::getpid()) + "\n";
     // It is for a reader's information alone; the lock holds without.
-    if (::ftruncate(file, 0) == 0)
-        [[maybe_unused]] const auto written = ::pwrite(file, text.data(), text.size(), 0);
+    if (::ftruncate(file, 0) == 0) [[maybe_unused]]
+        const auto written = ::pwrite(file, text.data(), text.size(), 0);
 }
 
 /// Whether the open file is the one that the path leads to: it may have been removed between opening and locking.

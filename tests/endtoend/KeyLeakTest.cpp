@@ -271,7 +271,7 @@ TEST_F(KeyLeakTest, aKeyThatNoHeaderCanHoldIsNotShownEither) {
 TEST_F(KeyLeakTest, foldersThatCannotBeWrittenTellNoKey) {
     world.folder.write("home/Library/Application Support/ZuvoManager", "in the way");
     run({"mine", file});
-    thenItEndsWith(0);
+    thenItEndsWith(1);
     std::filesystem::remove(world.cache("word_timestamps.json"));
     world.folder.write("home/Library/Caches/ZuvoManager/word_timestamps.json/x", "in the way");
     run({"mine", file});

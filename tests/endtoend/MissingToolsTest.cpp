@@ -51,10 +51,11 @@ TEST_F(MissingToolsTest, aFileInThePlaceOfTheCacheFolderLetsTheExtractionFail) {
     thenLogEndsWith({"Extracting audio from files...", "✗ Audio extraction failed"});
 }
 
-TEST_F(MissingToolsTest, aFileInThePlaceOfTheExportFolderLosesTheExportsAndNoMore) {
+TEST_F(MissingToolsTest, aFileInThePlaceOfTheExportFolderLosesTheExportsAndSaysSo) {
     world.folder.write("home/Library/Application Support/ZuvoManager", "in the way");
     mine({file});
-    thenItEndsWith(0);
+    thenItEndsWith(1);
+    EXPECT_THAT(ending.errors, testing::HasSubstr("/story_brief.md was not saved: "));
     EXPECT_EQ(bytesOf(world.home() + "/Library/Application Support/ZuvoManager"), "in the way");
     EXPECT_EQ(jsonOf(world.cache("segments.json")).size(), 1U);
 }

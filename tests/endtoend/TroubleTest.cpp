@@ -168,11 +168,13 @@ std::map<std::string, TroubleTest::Story> TroubleTest::stories() {
         {"the transcription service is down",
          [](TroubleTest& test) {
              test.world.set("OPENAI_BASE_URL", test.deafPort.address() + "/v1");
+             test.values["address"] = test.deafPort.address();
              test.mineFile();
          }},
         {"the messages service is down",
          [](TroubleTest& test) {
              test.world.set("ANTHROPIC_BASE_URL", test.deafPort.address());
+             test.values["address"] = test.deafPort.address();
              test.mineFile();
          }},
         {"a service hangs up",

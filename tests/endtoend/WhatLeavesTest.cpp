@@ -65,28 +65,28 @@ Names headersOfRow(const std::string& request) {
     return {};
 }
 
-/// The headers that Qt adds to every request.
-Names headersOfQt() {
+/// The headers of every request.
+Names commonHeaders() {
     for (const auto& line : readmeSection()) {
-        if (line.starts_with("- Qt adds to each request "))
+        if (line.starts_with("- Every request has "))
             return headersNamedIn(line);
     }
-    ADD_FAILURE() << "README.md does not name Qt's own headers";
+    ADD_FAILURE() << "README.md does not name the headers of every request";
     return {};
 }
 
-/// The request has the headers of its row, and beyond them Qt's at most.
+/// The request has the headers of its row and of every request, and no others.
 void thenHeadersAreThoseOf(const std::string& row, const RecordedRequest& request) {
     SCOPED_TRACE(row);
     const auto own = headersOfRow(row);
-    auto allowed = headersOfQt();
+    auto allowed = commonHeaders();
     allowed.insert(own.begin(), own.end());
     Names sent;
     for (const auto& [name, value] : request.headers)
         sent.insert(smallLetters(name));
     EXPECT_THAT(sent, IsSubsetOf(allowed));
     EXPECT_THAT(own, IsSubsetOf(sent));
-    for (const auto* always : {"host", "connection", "accept-encoding", "accept-language"})
+    for (const auto* always : {"host", "connection", "accept-encoding", "user-agent"})
         EXPECT_TRUE(sent.contains(always)) << always;
 }
 

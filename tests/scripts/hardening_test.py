@@ -177,7 +177,9 @@ class CurrentFolderTest(unittest.TestCase):
                 started = subprocess.run(
                     [str(program), "--help"], cwd=folder, env=environment, capture_output=True, text=True, check=False
                 )
-                self.assertEqual(started.returncode, 0, started.stderr)
+                # The window's program takes no such option and says so, but it has started: the loader ends with 127.
+                self.assertIn(started.returncode, (0, 2), started.stderr)
+                self.assertNotIn("shared libraries", started.stderr)
 
 
 class InstalledTest(unittest.TestCase):

@@ -313,13 +313,13 @@ def said(*command: str) -> str:
 
 
 # The identifiers of the SPDX list of licenses that are used here.
-KNOWN_TERMS = {"LGPL-3.0-only", "GPL-2.0-only", "GPL-3.0-only", "MIT", "Unicode-DFS-2015", "BSD-3-Clause", "ISC",
+KNOWN_TERMS = {"LGPL-3.0-only", "GPL-2.0-only", "GPL-3.0-only", "MIT", "Unicode-DFS-2015", "BSD-3-Clause", "Zlib",
                "Apache-2.0", "GPL-3.0-or-later", "LGPL-2.1-or-later"}
 KNOWN_EXCEPTIONS = {"GCC-exception-3.1", "LLVM-exception"}
 # Headers of these leave nothing in the programs that their linked library does not bring, or are exempt (GCC's, the
 # kernel's and the C library's).
 LINKED_OR_EXEMPT = ("qt6-*-dev", "libstdc++-*-dev", "libgcc-*-dev", "libc6-dev", "linux-libc-dev", "libutf8proc-dev",
-                    "libgl-dev", "libglx-dev", "libopengl-dev", "libegl-dev", "libvulkan-dev", "libsodium-dev",
+                    "libgl-dev", "libglx-dev", "libopengl-dev", "libegl-dev", "libvulkan-dev", "libzip-dev", "zlib1g-dev",
                     "libssl-dev")
 
 

@@ -121,10 +121,22 @@ TEST_F(WordTranscription, aWordWithoutItsEndIsDroppedTheOthersStay) {
     EXPECT_EQ(words[0].words[0].word, "dos");
 }
 
-TEST_F(WordTranscription, cancelledBetweenTwoMomentsTheEntriesSoFarAreGiven) {
+TEST_F(WordTranscription, cancelledWhileAMomentIsCutNothingMoreIsPaidFor) {
     givenExtractedAudio();
     givenWords(R"({"word": "uno", "start": 0.0, "end": 0.2})");
     calls->inside = [this](std::size_t) { pipeline->cancel(); };
+    EXPECT_THAT(transcribe(storyOf({{0.0, 10.0}, {20.0, 30.0}})), IsEmpty());
+    EXPECT_THAT(services->requests, IsEmpty());
+}
+
+TEST_F(WordTranscription, cancelledBetweenTwoMomentsTheEntriesSoFarAreGiven) {
+    constexpr std::size_t firstRequest = 2;
+    givenExtractedAudio();
+    givenWords(R"({"word": "uno", "start": 0.0, "end": 0.2})");
+    calls->inside = [this](std::size_t call) {
+        if (call == firstRequest)
+            pipeline->cancel();
+    };
     EXPECT_THAT(transcribe(storyOf({{0.0, 10.0}, {20.0, 30.0}})), SizeIs(1));
     EXPECT_THAT(log(), ElementsAre("[dim]   Word transcribing segment 1/2..."));
 }

@@ -78,8 +78,9 @@ TEST_F(Secrets, aChildGetsTheProgramsEnvironmentWithoutTheKeys) {
 TEST_F(Secrets, theDecoderOfSoundGetsThemNeither) {
     const auto program = folder.write("decoder", "#!/bin/sh\n/usr/bin/env\n");
     ASSERT_EQ(chmod(program.c_str(), S_IRWXU), 0);
+    const std::string footage = "/footage.wav";
     SoundDecoding decoding(program);
-    decoding.start("/footage.wav", 0.0, {});
+    decoding.start(footage, 0.0, {});
     std::string variables;
     EXPECT_TRUE(waitUntil([&] {
         variables += decoding.take(100'000).toStdString();

@@ -43,7 +43,7 @@ protected:
 
 TEST_F(OtherMineInWindow, theQuestionNamesTheProgramAndWaitingStartsTheMineByItself) {
     startUnderAnotherMine();
-    EXPECT_EQ(driver->focusedName(), QStringLiteral("keepButton"));
+    EXPECT_TRUE(waitUntil([this] { return driver->focusedName() == QStringLiteral("keepButton"); }));
     driver->click(QStringLiteral("proceedButton"));
     ASSERT_TRUE(driver->waitForText(reason() + QStringLiteral(". Waiting for it to end.")));
     EXPECT_TRUE(driver->shows(QStringLiteral("giveUpButton")));

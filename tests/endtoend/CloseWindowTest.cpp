@@ -121,8 +121,7 @@ protected:
     [[nodiscard]] std::ptrdiff_t runningTools(const std::string& words) const {
         const auto all = world.processes();
         return std::count_if(all.begin(), all.end(), [&words](qint64 process) {
-            std::ifstream stream("/proc/" + std::to_string(process) + "/cmdline", std::ios::binary);
-            std::string line{std::istreambuf_iterator<char>(stream), {}};
+            auto line = processFile(process, "cmdline");
             std::replace(line.begin(), line.end(), '\0', ' ');
             return line.find(words) != std::string::npos;
         });

@@ -32,8 +32,7 @@ struct ProcessState {
 };
 
 ProcessState stateOf(qint64 process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-    std::string text{std::istreambuf_iterator<char>(file), {}};
+    const auto text = processFile(process, "stat");
     // The name stands in brackets and may hold anything.
     const auto behindName = text.rfind(')');
     if (behindName == std::string::npos)

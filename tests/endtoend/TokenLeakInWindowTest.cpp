@@ -40,10 +40,7 @@ public:
             ::kill(static_cast<pid_t>(m_process.processId()), number);
     }
     [[nodiscard]] bool hasEnded() const { return m_process.state() == QProcess::NotRunning; }
-    [[nodiscard]] std::string commandLine() const {
-        std::ifstream stream("/proc/" + std::to_string(m_process.processId()) + "/cmdline", std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    [[nodiscard]] std::string commandLine() const { return processFile(m_process.processId(), "cmdline"); }
     /// Waits until what the system shows of a running program holds no token.
     void thenTheTokenIsGone() const {
         EXPECT_TRUE(tests::waitUntil(

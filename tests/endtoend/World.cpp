@@ -160,12 +160,19 @@ std::vector<qint64> World::processes() const {
         if (name.find_first_not_of("0123456789") != std::string::npos)
             continue;
         // Of a process that has ended, or is another user's, nothing can be read.
-        std::ifstream variables(entry.path() / "environ", std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(variables), {}};
-        if (('\0' + text).find(mark) != std::string::npos)
-            found.push_back(std::stoll(name));
+        const auto process = std::stoll(name);
+        if (('\0' + processFile(process, "environ")).find(mark) != std::string::npos)
+            found.push_back(process);
     }
     return found;
+}
+
+std::string processFile(qint64 process, const std::string& name) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/" + name, std::ios::binary);
+    // An iterator would throw at a read that fails, as it does once the process has gone.
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 bool exists(const std::string& path) {

@@ -99,6 +99,10 @@ private:
 };
 
 [[nodiscard]] bool exists(const std::string& path);
+
+/// What the system says of a process in its file of that name ("stat", "cmdline"); empty if the process has gone, also
+/// while the file is read.
+[[nodiscard]] std::string processFile(qint64 process, const std::string& name);
 /// All files below a folder by their full paths, with their bytes; empty if there is no such folder.
 [[nodiscard]] std::map<std::string, std::string> filesBelow(const std::string& folder);
 /// The bytes of a file; a missing one fails the test.

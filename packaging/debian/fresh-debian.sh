@@ -52,6 +52,10 @@ fresh_make() {
     done
     mount -t proc proc "$fresh_folder/proc"
     cp /etc/resolv.conf "$fresh_folder/etc/resolv.conf"
+    # The installer of a Debian writes it; debootstrap does not.
+    if [[ ! -e "$fresh_folder/etc/hosts" ]]; then
+        printf '127.0.0.1\tlocalhost\n::1\tlocalhost\n' >"$fresh_folder/etc/hosts"
+    fi
 }
 
 inside() {

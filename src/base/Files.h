@@ -26,7 +26,7 @@ namespace zuvo {
 /// the user's wish.
 enum class Readers {
     ownerAlone, ///< mode 0600
-    asUsual,    ///< like any new file of the user's; for what is handed on to others
+    asUsual,    ///< like any new file the user makes; for files that are passed on
 };
 
 /// Replaces the file by one that holds exactly these bytes. A reader sees the old file or the new one, never a part:

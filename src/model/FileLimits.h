@@ -23,7 +23,7 @@ inline constexpr std::uint64_t store = 256 * megabyte;
 inline constexpr std::uint64_t pluginVersion = 64 * kilobyte;
 /// A file that holds a key and nothing else.
 inline constexpr std::uint64_t key = megabyte;
-/// A start-up file of the user's shell.
+/// A start-up file of the user's shell, such as .zshrc.
 inline constexpr std::uint64_t shellStartUp = 16 * megabyte;
 /// What a tool wrote to its standard error.
 inline constexpr std::uint64_t toolOutput = 64 * megabyte;

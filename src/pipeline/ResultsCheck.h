@@ -46,7 +46,7 @@ struct FoundFile {
 
 enum class Shortfall {
     none,
-    unwritable, ///< there is no text for it
+    unwritable, ///< its text cannot be written as JSON
     missing,
     old,     ///< it is the file from before the run
     differs, ///< it does not hold what is in memory
